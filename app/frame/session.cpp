@@ -1,0 +1,77 @@
+#include "frame/session.h"
+
+#include <QCoreApplication>
+#include <QGuiApplication>
+
+#include <cstdlib>
+
+#include "frame/main_window.h"
+
+namespace tilika::frame {
+
+Session::Session(const platform::Clock& clock, std::filesystem::path dataDir,
+                 std::filesystem::path resourceDir)
+    : folders_(std::move(dataDir), std::move(resourceDir)),
+      settings_(folders_.path(platform::SystemFolder::Library) / "settings.json"),
+      application_(clock, settings_, folders_, shell_) {
+    shell_.setRootFactory(
+        [this] { return std::make_unique<MainWindow>(application_.state()); });
+}
+
+Session::~Session() { QObject::disconnect(stateConnection_); }
+
+bool Session::start() {
+    if (!folders_.createLayout()) {
+        return false;
+    }
+    application_.didFinishLaunching({});
+    stateConnection_ =
+        QObject::connect(qGuiApp, &QGuiApplication::applicationStateChanged, qGuiApp,
+                         [this](Qt::ApplicationState state) { onApplicationStateChanged(state); });
+    return true;
+}
+
+void Session::onApplicationStateChanged(Qt::ApplicationState state) {
+    switch (state) {
+        case Qt::ApplicationActive:
+            if (!active_) {
+                active_ = true;
+                application_.didBecomeActive();
+            }
+            break;
+        case Qt::ApplicationInactive:
+            if (active_) {
+                active_ = false;
+                application_.willResignActive();
+            }
+            break;
+        case Qt::ApplicationHidden:
+        case Qt::ApplicationSuspended:
+            if (active_) {
+                active_ = false;
+                application_.willResignActive();
+            }
+            application_.didEnterBackground();
+            break;
+    }
+}
+
+std::filesystem::path Session::defaultDataDir() {
+    if (const char* xdg = std::getenv("XDG_DATA_HOME"); xdg != nullptr && *xdg == '/') {
+        return std::filesystem::path(xdg) / "tilika";
+    }
+    const char* home = std::getenv("HOME");
+    return std::filesystem::path(home != nullptr ? home : ".") / ".local" / "share" / "tilika";
+}
+
+std::filesystem::path Session::defaultResourceDir() {
+    const std::filesystem::path exeDir = QCoreApplication::applicationDirPath().toStdString();
+    const std::filesystem::path beside = exeDir / "resources";
+    std::error_code error;
+    if (std::filesystem::is_directory(beside, error)) {
+        return beside;
+    }
+    return exeDir.parent_path() / "share" / "tilika";
+}
+
+}  // namespace tilika::frame

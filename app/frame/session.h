@@ -1,0 +1,54 @@
+#pragma once
+
+#include <QMetaObject>
+
+#include <filesystem>
+
+#include "core/application.h"
+#include "platform/folders.h"
+#include "platform/qt_shell.h"
+#include "platform/settings_store.h"
+
+namespace tilika::platform {
+class Clock;
+}
+
+namespace tilika::frame {
+
+// One running program over one data folder: the platform services, the core
+// application, the main window, and the wiring of Qt's application states to
+// the core's activation entry points. Needs a QApplication.
+class Session {
+public:
+    Session(const platform::Clock& clock, std::filesystem::path dataDir,
+            std::filesystem::path resourceDir);
+    ~Session();
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    // Lays out the data folder and launches; false when the folder can't be
+    // created, in which case nothing has been started.
+    bool start();
+
+    core::Application& application() { return application_; }
+    platform::QtShell& shell() { return shell_; }
+    QWidget* rootWindow() const { return shell_.rootWindow(); }
+
+    // $XDG_DATA_HOME/tilika, or ~/.local/share/tilika.
+    static std::filesystem::path defaultDataDir();
+    // Resources beside the executable (a build tree), or in ../share/tilika
+    // (an installed program).
+    static std::filesystem::path defaultResourceDir();
+
+private:
+    void onApplicationStateChanged(Qt::ApplicationState state);
+
+    platform::DataFolders folders_;
+    platform::JsonSettingsStore settings_;
+    platform::QtShell shell_;
+    core::Application application_;
+    QMetaObject::Connection stateConnection_;
+    bool active_ = false;
+};
+
+}  // namespace tilika::frame

@@ -1,0 +1,125 @@
+// Tilika: a family diary for parents of young children.
+//
+//   tilika [--data-dir DIR] [--screenshot FILE.png]
+
+#include <QApplication>
+#include <QPixmap>
+#include <QtGlobal>
+
+#include <cstdlib>
+#include <filesystem>
+#include <iostream>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "frame/session.h"
+#include "platform/clock.h"
+#include "platform/log.h"
+
+namespace {
+
+struct Options {
+    std::optional<std::filesystem::path> dataDir;
+    std::optional<std::filesystem::path> screenshot;
+    bool help = false;
+    std::string error;
+};
+
+constexpr const char* kUsage =
+    "usage: tilika [--data-dir DIR] [--screenshot FILE.png]\n"
+    "  --data-dir DIR         keep the diary in DIR instead of $XDG_DATA_HOME/tilika\n"
+    "  --screenshot FILE.png  draw the first screen into FILE.png without a display and exit\n";
+
+// Reads our own options and leaves anything else to Qt.
+Options parseOptions(int argc, char** argv) {
+    Options options;
+    for (int i = 1; i < argc; ++i) {
+        const std::string_view arg = argv[i];
+        auto valueOf = [&](std::string_view name) -> std::optional<std::string> {
+            if (arg.starts_with(std::string(name) + "=")) {
+                return std::string(arg.substr(name.size() + 1));
+            }
+            if (arg == name) {
+                if (i + 1 < argc) {
+                    return std::string(argv[++i]);
+                }
+                options.error = std::string(name) + " needs a value";
+            }
+            return std::nullopt;
+        };
+        if (arg == "--help" || arg == "-h") {
+            options.help = true;
+        } else if (auto dir = valueOf("--data-dir")) {
+            options.dataDir = *dir;
+        } else if (auto file = valueOf("--screenshot")) {
+            options.screenshot = *file;
+        }
+        if (!options.error.empty()) {
+            break;
+        }
+    }
+    return options;
+}
+
+bool hasDisplay() {
+    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
+        const char* value = std::getenv(name);
+        if (value != nullptr && *value != '\0') {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool saveScreenshot(QWidget* window, const std::filesystem::path& file) {
+    if (window == nullptr) {
+        return false;
+    }
+    QApplication::processEvents();
+    return window->grab().save(QString::fromStdString(file.string()), "PNG");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const Options options = parseOptions(argc, argv);
+    if (!options.error.empty()) {
+        std::cerr << "tilika: " << options.error << "\n" << kUsage;
+        return 64;
+    }
+    if (options.help) {
+        std::cout << kUsage;
+        return 0;
+    }
+    if (options.screenshot) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    } else if (!hasDisplay()) {
+        std::cerr << "tilika: no display to show the window on; start it in a desktop session, "
+                     "or pass --screenshot FILE.png to draw the first screen into a picture\n";
+        return 2;
+    }
+
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("tilika"));
+    tilika::platform::setLogSink([](std::string_view line) {
+        qInfo().noquote() << QString::fromUtf8(line.data(), static_cast<qsizetype>(line.size()));
+    });
+
+    const tilika::platform::SystemClock clock;
+    tilika::frame::Session session(clock,
+                                   options.dataDir.value_or(tilika::frame::Session::defaultDataDir()),
+                                   tilika::frame::Session::defaultResourceDir());
+    if (!session.start()) {
+        std::cerr << "tilika: cannot create the data folder\n";
+        return 1;
+    }
+    if (options.screenshot) {
+        if (!saveScreenshot(session.rootWindow(), *options.screenshot)) {
+            std::cerr << "tilika: cannot write " << options.screenshot->string() << "\n";
+            return 1;
+        }
+        return 0;
+    }
+    return app.exec();
+}

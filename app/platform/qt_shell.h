@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QPointer>
+#include <QWidget>
+
+#include <functional>
+#include <memory>
+
+#include "platform/shell.h"
+
+namespace tilika::platform {
+
+// The platform services on a desktop: alerts are message boxes, URLs open in
+// the desktop's handler, and the root window is a phone-shaped window.
+// Home-screen shortcuts, push registration and the lock cover don't exist
+// here (yet) and only leave a line in the log.
+class QtShell final : public Shell {
+public:
+    using RootFactory = std::function<std::unique_ptr<QWidget>()>;
+
+    // The default window: portrait, the proportions of a phone.
+    static constexpr int kWindowWidth = 360;
+    static constexpr int kWindowHeight = 640;
+
+    QtShell();
+    ~QtShell() override;
+
+    void setRootFactory(RootFactory factory) { rootFactory_ = std::move(factory); }
+    QWidget* rootWindow() const { return root_.get(); }
+
+    bool isTablet() const override { return false; }
+    ScreenSize screenSize() const override;
+    void registerUserNotifications(int types) override;
+    void registerForRemoteNotifications() override;
+    void setShortcuts(const std::vector<Shortcut>& shortcuts) override;
+    void showAlert(Alert alert) override;
+    void openUrl(const std::string& url) override;
+    void showRootWindow() override;
+    bool rootIsCurrent() const override;
+    void openDayEditor(core::Date day) override;
+    void hideKeyboard() override;
+    void coverWithLock() override;
+
+private:
+    RootFactory rootFactory_;
+    std::unique_ptr<QWidget> root_;
+};
+
+}  // namespace tilika::platform

@@ -1,0 +1,332 @@
+#include "core/application.h"
+
+#include "core/build_info.h"
+#include "core/ids.h"
+#include "core/menu_rows.h"
+#include "core/settings_keys.h"
+#include "core/text.h"
+#include "diary/profiles.h"
+#include "platform/clock.h"
+#include "platform/log.h"
+#include "platform/settings_store.h"
+#include "platform/shell.h"
+
+namespace tilika::core {
+
+namespace {
+
+// Notification types: badge, sound and alert.
+constexpr int kAllNotificationTypes = 7;
+constexpr int kBirthdayAlertTag = 13;
+constexpr int kReminderAlertTag = 1;
+constexpr int kPushAlertTag = 2;
+
+bool isOldCloudMode(long long mode) { return mode == 2 || mode == 4 || mode == 5; }
+
+}  // namespace
+
+Application::Application(const platform::Clock& clock, platform::SettingsStore& settings,
+                         const platform::Folders& folders, platform::Shell& shell)
+    : clock_(clock),
+      settings_(settings),
+      folders_(folders),
+      shell_(shell),
+      dates_(clock),
+      database_(folders, dates_),
+      context_{clock_, settings_, folders_, dates_, database_, state_} {}
+
+Application::~Application() = default;
+
+bool Application::didFinishLaunching(const LaunchOptions& options) {
+    state_ = AppState{};
+    state_.isIPad = shell_.isTablet();
+
+    shell_.registerUserNotifications(kAllNotificationTypes);
+
+    settings_.remove(keys::deactive);
+    settings_.setBool(keys::webKitDiskImageCacheEnabled, false);
+
+    // Old cloud modes are switched off, not carried into the current one:
+    // their users choose again.
+    if (settings_.contains(keys::icloud) && isOldCloudMode(settings_.intValue(keys::icloud))) {
+        settings_.setInt(keys::icloud, cloudmode::off);
+        settings_.synchronize();
+    }
+
+    if (settings_.contains(keys::newscount)) {
+        state_.newscount = settings_.intValue(keys::newscount);
+    }
+    state_.cloudMode = settings_.contains(keys::icloud)
+                           ? static_cast<int>(settings_.intValue(keys::icloud))
+                           : cloudmode::off;
+
+    if (settings_.contains(keys::accelerate)) {
+        state_.accelerate = settings_.boolValue(keys::accelerate);
+    }
+    if (settings_.contains(keys::pillsAlarm)) {
+        state_.pillsAlarm = settings_.boolValue(keys::pillsAlarm);
+    }
+    if (settings_.contains(keys::chatIndi)) {
+        state_.chatIndi = settings_.boolValue(keys::chatIndi);
+    } else {
+        settings_.setBool(keys::chatIndi, true);
+    }
+    if (settings_.contains(keys::backgroundId)) {
+        state_.backgroundId = settings_.intValue(keys::backgroundId);
+    }
+    if (settings_.contains(keys::showRec)) {
+        state_.showRec = settings_.boolValue(keys::showRec);
+    } else {
+        settings_.setBool(keys::showRec, true);
+    }
+    settings_.synchronize();
+
+    prepareTranslate();
+    correctBackground();
+
+    if (!settings_.contains(keys::appguid)) {
+        settings_.setText(keys::appguid, newID());
+        settings_.synchronize();
+    }
+    state_.appguid = settings_.textValue(keys::appguid);
+
+    fromOldVersion();
+
+    state_.menuItems = buildMenuItems(state_.langid, build::kShortVersion);
+    state_.versionKey = replaceAll(build::kShortVersion, ".", "-");
+    state_.pageCount = pageCount(state_.menuItems);
+
+    // Layout constants are given for a 320 x 480 portrait screen.
+    platform::ScreenSize size = shell_.screenSize();
+    if (size.width > size.height) {
+        std::swap(size.width, size.height);
+    }
+    state_.scaleY = size.height / 480.0;
+    state_.scaleX = size.width / 320.0;
+
+    state_.markAllPagesDirty();
+    dropboxInit();
+
+    if (options.shortcutType) {
+        state_.pendingShortcut = options.shortcutType;
+    }
+
+    shell_.showRootWindow();
+
+    shell_.registerUserNotifications(kAllNotificationTypes);
+    shell_.registerForRemoteNotifications();
+    buildShortcuts();
+    return true;
+}
+
+void Application::fromOldVersion() {
+    if (database_.fromOldVersionNewRestore()) {
+        fromOldVersionChild1();
+    }
+    // The remaining steps bring databases of older versions forward, column
+    // by column; a database made from the current template needs none.
+}
+
+void Application::fromOldVersionChild1() {
+    settings_.setBool(keys::firstStart, true);
+    settings_.synchronize();
+
+    // The very first versions kept the child's birthday and sex in the
+    // settings; a new installation has neither and starts from today.
+    const Date birthday = settings_.dateValue("Date").value_or(dates_.now());
+    const long long sex = settings_.intValue("Sex");
+    SQLite::Database* db = database_.connectToBase();
+    if (db == nullptr) {
+        return;
+    }
+    runGuarded("first profile", [&] {
+        SQLite::Statement update(
+            *db, "update child set birthday=?, sex=?, sbirthdate=? where chid=1");
+        const auto seconds =
+            std::chrono::duration_cast<std::chrono::seconds>(birthday.time_since_epoch());
+        update.bind(1, static_cast<std::int64_t>(seconds.count()));
+        update.bind(2, static_cast<std::int64_t>(sex));
+        dateToBase(dates_, update, 3, birthday, false);
+        update.exec();
+    });
+}
+
+void Application::buildShortcuts() {
+    std::vector<platform::Shortcut> shortcuts;
+    for (const auto& child : diary::Profiles(context_).profileList()) {
+        shortcuts.push_back({"NEWNOTE|" + std::to_string(child.chid), "Дневник",
+                             "Новая запись (" + child.chname + ")", "note"});
+    }
+    shell_.setShortcuts(shortcuts);
+}
+
+void Application::didBecomeActive() {
+    checkAppStoreAlert();
+
+    // A shortcut that arrives while a dialog is open is dropped: acting on it
+    // later, out of the blue, would be worse than not acting at all.
+    if (state_.pendingShortcut && shell_.rootIsCurrent()) {
+        quickStart(*state_.pendingShortcut);
+    }
+    state_.pendingShortcut.reset();
+
+    state_.chatAwake = true;
+
+    updateNoteAlarms();
+    if (state_.pillsAlarm) {
+        updatePillsAlarms();
+    }
+}
+
+void Application::checkAppStoreAlert() {
+    if (settings_.boolValue(keys::appStore) || state_.appid != edition::child) {
+        return;
+    }
+    const Date now = dates_.now();
+    const std::string today = dates_.dateToString(now, "dd.MM");
+    const int year = dates_.decodeDate(now).year;
+
+    for (const auto& child : diary::Profiles(context_).profileList()) {
+        if (!child.sbirthdate || dates_.dateToString(child.sbirthdate, "dd.MM") != today) {
+            continue;
+        }
+        const int age = year - dates_.decodeDate(*child.sbirthdate).year;
+        const std::string key = keys::birthdayGreeted(child.chid, age);
+        if (age < 1 || settings_.boolValue(key)) {
+            continue;
+        }
+        settings_.helpFinish(key);
+
+        platform::Alert alert;
+        alert.title = "День рождения";
+        alert.text = child.chname + " празднует сегодня свой " + std::to_string(age) +
+                     "-й день рождения! Автор программы искренне поздравляет вашу семью с этим "
+                     "событием 🎂! В этот знаменательный день не могли бы Вы написать хороший "
+                     "отзыв о программе или просто поставить ей оценку в AppSore?";
+        alert.buttons = {"Не сейчас", "Так и быть"};
+        alert.tag = kBirthdayAlertTag;
+        alert.onClose = [this](int button) {
+            if (button == 1) {
+                settings_.helpFinish(keys::appStore);
+                shell_.openUrl(build::kStorePageUrl);
+            }
+        };
+        shell_.showAlert(std::move(alert));
+    }
+}
+
+void Application::quickStart(const std::string& shortcut) {
+    const std::vector<std::string> pieces = split(shortcut, "|");
+    // The shortcut carries the old numeric profile id, and it becomes the
+    // active profile as it stands.
+    if (pieces.size() > 1) {
+        state_.activeGid = pieces[1];
+    }
+    if (pieces.front() == "NEWNOTE" && state_.activeGid) {
+        shell_.openDayEditor(dates_.noTime(dates_.now()));
+    }
+}
+
+void Application::willResignActive() {
+    settings_.setDate(keys::deactive, dates_.now());
+    settings_.synchronize();
+    shell_.hideKeyboard();
+}
+
+void Application::didEnterBackground() {
+    if (settings_.boolValue(keys::pass)) {
+        shell_.coverWithLock();
+    }
+}
+
+bool Application::openUrl(const std::string& url) {
+    if (dropboxHandleOpenUrl(url)) {
+        return true;
+    }
+    if (url.starts_with("file://")) {
+        state_.pendingFileUrl = url;
+        platform::Alert alert;
+        alert.title = "Файл к документу";
+        alert.text =
+            "Теперь Вам следует перейти в режим редактирования анализов или в режим "
+            "редактирования документов ребенка и вставить этот файл в документ выбрав пункт меню "
+            "'Файл PDF' или 'Заменить файлом PDF'.";
+        alert.buttons = {"ОК"};
+        shell_.showAlert(std::move(alert));
+    }
+    return true;
+}
+
+void Application::performShortcut(const std::string& type) { state_.pendingShortcut = type; }
+
+void Application::didReceiveLocalNotification(const std::string& body) {
+    platform::Alert alert;
+    alert.title = "Напоминание";
+    alert.text = body;
+    alert.buttons = {"ОК"};
+    alert.tag = kReminderAlertTag;
+    shell_.showAlert(std::move(alert));
+}
+
+void Application::didReceiveRemoteNotification(const nlohmann::json& payload) {
+    platform::log("Remote notification: " +
+                  payload.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
+    if (!payload.is_object() || !payload.contains("aps") || !payload["aps"].is_object()) {
+        return;
+    }
+    const nlohmann::json& aps = payload["aps"];
+    if (!aps.contains("badge") || !aps.contains("show")) {
+        return;
+    }
+    std::string message;
+    if (aps.contains("alert") && aps["alert"].is_string()) {
+        message = aps["alert"].get<std::string>();
+    } else if (aps.contains("alert") && aps["alert"].is_object() &&
+               aps["alert"].contains("body") && aps["alert"]["body"].is_string()) {
+        message = aps["alert"]["body"].get<std::string>();
+    }
+    platform::Alert alert;
+    alert.title = "Внимание";
+    alert.text = message;
+    alert.buttons = {"ОК"};
+    alert.tag = kPushAlertTag;
+    shell_.showAlert(std::move(alert));
+}
+
+void Application::didRegisterForRemoteNotifications(const std::string& tokenDescription) {
+    std::string token;
+    for (char c : tokenDescription) {
+        if (c != ' ' && c != '<' && c != '>') {
+            token.push_back(c);
+        }
+    }
+    state_.pushToken = token;
+}
+
+void Application::didFailToRegisterForRemoteNotifications(const std::string& error) {
+    platform::log("Failed to get token, error: " + error);
+}
+
+// Hooks of services that are not part of the program yet. Each is called at
+// the moment its service will need, so the order of launch and activation is
+// already the final one.
+
+void Application::prepareTranslate() {
+    // Russian is the language of the source texts; nothing to load for it.
+}
+
+void Application::correctBackground() {
+    // The light theme with dark bars is the only look so far.
+    state_.lightTheme = true;
+    state_.darkBars = true;
+}
+
+void Application::dropboxInit() { state_.dropboxReady = false; }
+
+bool Application::dropboxHandleOpenUrl(const std::string& /*url*/) { return false; }
+
+void Application::updateNoteAlarms() {}
+
+void Application::updatePillsAlarms() {}
+
+}  // namespace tilika::core

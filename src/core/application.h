@@ -1,0 +1,87 @@
+#pragma once
+
+#include <nlohmann/json.hpp>
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "core/app_state.h"
+#include "core/context.h"
+#include "core/database.h"
+#include "core/dates.h"
+
+namespace tilika::platform {
+class Shell;
+}
+
+namespace tilika::core {
+
+struct LaunchOptions {
+    // Type of the home-screen shortcut the program was started from.
+    std::optional<std::string> shortcutType;
+};
+
+// The start of the program and its answers to the platform: launch in its
+// fixed order, becoming active, resigning, going to the background, opened
+// URLs, shortcuts and notifications. The shell calls these entry points; all
+// of them run on the main thread.
+class Application {
+public:
+    Application(const platform::Clock& clock, platform::SettingsStore& settings,
+                const platform::Folders& folders, platform::Shell& shell);
+    ~Application();
+    Application(const Application&) = delete;
+    Application& operator=(const Application&) = delete;
+
+    bool didFinishLaunching(const LaunchOptions& options);
+    void didBecomeActive();
+    void willResignActive();
+    void didEnterBackground();
+    void willEnterForeground() {}
+    void willTerminate() {}
+
+    // Always true: a URL the program can't use is ignored.
+    bool openUrl(const std::string& url);
+    // Remembers the shortcut; it is acted on at the next activation.
+    void performShortcut(const std::string& type);
+    void didReceiveLocalNotification(const std::string& body);
+    void didReceiveRemoteNotification(const nlohmann::json& payload);
+    void didRegisterForRemoteNotifications(const std::string& tokenDescription);
+    void didFailToRegisterForRemoteNotifications(const std::string& error);
+
+    // Greets each child once on each birthday, and asks for a rating.
+    void checkAppStoreAlert();
+    // Acts on a shortcut "NEWNOTE|<profile>": makes the profile active and
+    // opens today's diary entry for it.
+    void quickStart(const std::string& shortcut);
+
+    AppState& state() { return state_; }
+    const Dates& dates() const { return dates_; }
+    DatabaseStore& database() { return database_; }
+    Context& context() { return context_; }
+
+private:
+    void fromOldVersion();
+    void fromOldVersionChild1();
+    void buildShortcuts();
+
+    // Hooks of services that are not part of the program yet.
+    void prepareTranslate();
+    void correctBackground();
+    void dropboxInit();
+    bool dropboxHandleOpenUrl(const std::string& url);
+    void updateNoteAlarms();
+    void updatePillsAlarms();
+
+    const platform::Clock& clock_;
+    platform::SettingsStore& settings_;
+    const platform::Folders& folders_;
+    platform::Shell& shell_;
+    AppState state_;
+    Dates dates_;
+    DatabaseStore database_;
+    Context context_;
+};
+
+}  // namespace tilika::core

@@ -1,0 +1,231 @@
+#include "core/database.h"
+
+#include <SQLiteCpp/Backup.h>
+#include <SQLiteCpp/Exception.h>
+
+#include <algorithm>
+#include <cctype>
+#include <system_error>
+#include <vector>
+
+#include "core/dates.h"
+#include "platform/folders.h"
+#include "platform/log.h"
+
+namespace tilika::core {
+
+namespace fs = std::filesystem;
+using platform::SystemFolder;
+
+namespace {
+
+constexpr int kBusyTimeoutMs = 5000;
+
+std::string lowerAscii(std::string text) {
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return text;
+}
+
+// Moves a file, replacing the target; across file systems it copies first
+// and removes the source only once the copy is complete.
+bool moveReplacing(const fs::path& from, const fs::path& to) {
+    std::error_code error;
+    fs::rename(from, to, error);
+    if (!error) {
+        return true;
+    }
+    fs::copy_file(from, to, fs::copy_options::overwrite_existing, error);
+    if (error) {
+        return false;
+    }
+    fs::remove(from, error);
+    return true;
+}
+
+// Copies through a temporary name so that a crash never leaves a half file
+// under the real one.
+bool copyWhole(const fs::path& from, const fs::path& to) {
+    fs::path partial = to;
+    partial += ".part";
+    std::error_code error;
+    fs::copy_file(from, partial, fs::copy_options::overwrite_existing, error);
+    if (!error) {
+        fs::rename(partial, to, error);
+    }
+    if (error) {
+        fs::remove(partial, error);
+        return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+DatabaseStore::DatabaseStore(const platform::Folders& folders, const Dates& dates,
+                             std::string fileName)
+    : folders_(folders), dates_(dates), fileName_(std::move(fileName)) {}
+
+DatabaseStore::~DatabaseStore() = default;
+
+fs::path DatabaseStore::path() const { return folders_.path(SystemFolder::Reserv) / fileName_; }
+
+bool DatabaseStore::fromOldVersionNewRestore() {
+    disconnectFromBase();
+    const fs::path live = path();
+    std::error_code error;
+    fs::create_directories(live.parent_path(), error);
+
+    for (SystemFolder oldHome : {SystemFolder::Library, SystemFolder::Document}) {
+        const fs::path old = folders_.path(oldHome) / fileName_;
+        if (!fs::exists(old, error)) {
+            continue;
+        }
+        // The older file wins, as it always has; whatever it displaces is
+        // kept beside it rather than lost.
+        if (fs::exists(live, error)) {
+            fs::path displaced = live;
+            displaced += ".replaced";
+            moveReplacing(live, displaced);
+        }
+        if (!moveReplacing(old, live)) {
+            platform::log("Could not move the database from " + old.string());
+        }
+    }
+
+    if (fs::exists(live, error)) {
+        return false;
+    }
+    const fs::path shipped = folders_.path(SystemFolder::Root) / fileName_;
+    if (!copyWhole(shipped, live)) {
+        platform::log("Could not copy the template database from " + shipped.string());
+    }
+    return true;
+}
+
+SQLite::Database* DatabaseStore::connectToBase() {
+    const std::string today = dates_.dateToString(dates_.now(), formats::backupDay);
+    if (today != backupCheckedOn_) {
+        toReserv();
+        backupCheckedOn_ = today;
+    }
+    if (!db_) {
+        db_ = openConnection();
+    }
+    return db_.get();
+}
+
+void DatabaseStore::disconnectFromBase() { db_.reset(); }
+
+std::unique_ptr<SQLite::Database> DatabaseStore::openConnection() const {
+    const fs::path live = path();
+    std::error_code error;
+    // Opening must never create an empty file where the diary should be.
+    if (!fs::is_regular_file(live, error)) {
+        return nullptr;
+    }
+    try {
+        return std::make_unique<SQLite::Database>(live.string(), SQLite::OPEN_READWRITE,
+                                                  kBusyTimeoutMs);
+    } catch (const SQLite::Exception& e) {
+        platform::log(std::string("Could not open the database: ") + e.what());
+        return nullptr;
+    }
+}
+
+void DatabaseStore::toReserv() {
+    const fs::path live = path();
+    const fs::path folder = live.parent_path();
+    std::error_code error;
+    if (!fs::is_regular_file(live, error)) {
+        return;
+    }
+    const Date yesterday = dates_.addDays(dates_.now(), -1);
+    const fs::path copy = folder / (dates_.dateToString(yesterday, formats::backupDay) + ".sqlite");
+    if (fs::exists(copy, error)) {
+        return;
+    }
+
+    fs::path partial = copy;
+    partial += ".part";
+    fs::remove(partial, error);
+    try {
+        SQLite::Database target(partial.string(), SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
+        if (db_) {
+            SQLite::Backup(target, *db_).executeStep();
+        } else {
+            SQLite::Database source(live.string(), SQLite::OPEN_READONLY, kBusyTimeoutMs);
+            SQLite::Backup(target, source).executeStep();
+        }
+    } catch (const SQLite::Exception& e) {
+        platform::log(std::string("Daily copy of the database failed: ") + e.what());
+        fs::remove(partial, error);
+        return;
+    }
+    fs::rename(partial, copy, error);
+    if (error) {
+        fs::remove(partial, error);
+        return;
+    }
+
+    std::vector<std::string> names;
+    for (const auto& entry : fs::directory_iterator(folder, error)) {
+        if (entry.path().extension() == ".sqlite") {
+            names.push_back(entry.path().filename().string());
+        }
+    }
+    if (names.size() <= kReserveFiles) {
+        return;
+    }
+    // Copies are named by date in digits, so the first name is the oldest;
+    // one goes per day. The live file sorts after the digits, and is never
+    // taken even if something odd sorts before it.
+    std::sort(names.begin(), names.end(), [](const std::string& a, const std::string& b) {
+        return lowerAscii(a) < lowerAscii(b);
+    });
+    if (names.front() != fileName_) {
+        fs::remove(folder / names.front(), error);
+    }
+}
+
+bool DatabaseStore::testBaseFile() const {
+    try {
+        SQLite::Database db(path().string(), SQLite::OPEN_READONLY);
+        try {
+            SQLite::Statement count(db, "select count(*) from childconst");
+            return count.executeStep() && count.getColumn(0).getInt() > 0;
+        } catch (const SQLite::Exception&) {
+            return false;
+        }
+    } catch (const SQLite::Exception&) {
+        return true;
+    }
+}
+
+std::optional<std::string> stringFromBase(const SQLite::Statement& statement, int column) {
+    const SQLite::Column value = statement.getColumn(column);
+    if (value.isNull()) {
+        return std::nullopt;
+    }
+    return value.getString();
+}
+
+std::optional<Date> dateFromBase(const Dates& dates, const SQLite::Statement& statement,
+                                 int column, bool time) {
+    const std::optional<std::string> text = stringFromBase(statement, column);
+    if (!text) {
+        return std::nullopt;
+    }
+    return dates.dateFromStringFormat(*text, time ? formats::moment : formats::day);
+}
+
+void dateToBase(const Dates& dates, SQLite::Statement& statement, int position,
+                std::optional<Date> date, bool time) {
+    if (!date) {
+        statement.bind(position);
+        return;
+    }
+    statement.bind(position, dates.dateToString(date, time ? formats::moment : formats::day));
+}
+
+}  // namespace tilika::core

@@ -1,0 +1,344 @@
+#include "core/dates.h"
+
+#include <unicode/calendar.h>
+#include <unicode/gregocal.h>
+#include <unicode/smpdtfmt.h>
+#include <unicode/timezone.h>
+#include <unicode/unistr.h>
+
+#include <cmath>
+#include <memory>
+#include <unordered_map>
+
+#include "core/words.h"
+#include "platform/clock.h"
+
+namespace tilika::core {
+namespace {
+
+constexpr const char* kLocale = "ru_RU@calendar=gregorian";
+// A program uses a few dozen patterns in one or two zones; the bound only
+// keeps a stream of odd zones from growing the cache without end.
+constexpr std::size_t kCacheLimit = 64;
+// ICU handles about ±1.8e17 ms; anything past a few million years is noise
+// from a damaged record, not a date.
+constexpr double kLargestMillis = 1e17;
+
+icu::UnicodeString toUnicode(std::string_view text) {
+    return icu::UnicodeString::fromUTF8(
+        icu::StringPiece(text.data(), static_cast<int32_t>(text.size())));
+}
+
+std::string toUtf8(const icu::UnicodeString& text) {
+    std::string out;
+    text.toUTF8String(out);
+    return out;
+}
+
+UDate toUDate(Date date) { return static_cast<UDate>(date.time_since_epoch().count()); }
+
+std::optional<Date> fromUDate(UDate value) {
+    if (!std::isfinite(value) || std::fabs(value) > kLargestMillis) {
+        return std::nullopt;
+    }
+    return Date(std::chrono::milliseconds(std::llround(value)));
+}
+
+std::string cacheKey(std::string_view zone, std::string_view pattern) {
+    std::string key;
+    key.reserve(zone.size() + pattern.size() + 1);
+    key.append(zone).push_back('\n');
+    key.append(pattern);
+    return key;
+}
+
+class FormatterCache {
+public:
+    icu::SimpleDateFormat* get(std::string_view pattern, std::string_view zone) {
+        std::string key = cacheKey(zone, pattern);
+        if (auto it = formatters_.find(key); it != formatters_.end()) {
+            return it->second.get();
+        }
+        if (formatters_.size() >= kCacheLimit) {
+            formatters_.clear();
+        }
+        UErrorCode status = U_ZERO_ERROR;
+        auto formatter = std::make_unique<icu::SimpleDateFormat>(toUnicode(pattern),
+                                                                 icu::Locale(kLocale), status);
+        if (U_FAILURE(status)) {
+            return nullptr;
+        }
+        formatter->adoptTimeZone(icu::TimeZone::createTimeZone(toUnicode(zone)));
+        return formatters_.emplace(std::move(key), std::move(formatter)).first->second.get();
+    }
+
+private:
+    std::unordered_map<std::string, std::unique_ptr<icu::SimpleDateFormat>> formatters_;
+};
+
+class CalendarCache {
+public:
+    icu::Calendar* get(std::string_view zone) {
+        std::string key(zone);
+        if (auto it = calendars_.find(key); it != calendars_.end()) {
+            return it->second.get();
+        }
+        if (calendars_.size() >= kCacheLimit) {
+            calendars_.clear();
+        }
+        UErrorCode status = U_ZERO_ERROR;
+        auto calendar = std::make_unique<icu::GregorianCalendar>(
+            icu::TimeZone::createTimeZone(toUnicode(zone)), icu::Locale(kLocale), status);
+        if (U_FAILURE(status)) {
+            return nullptr;
+        }
+        return calendars_.emplace(std::move(key), std::move(calendar)).first->second.get();
+    }
+
+private:
+    std::unordered_map<std::string, std::unique_ptr<icu::Calendar>> calendars_;
+};
+
+thread_local FormatterCache formatters;
+thread_local CalendarCache calendars;
+
+// Sets the calendar to the date; false when ICU refuses it.
+bool setTo(icu::Calendar& calendar, Date date) {
+    UErrorCode status = U_ZERO_ERROR;
+    calendar.setTime(toUDate(date), status);
+    return U_SUCCESS(status);
+}
+
+std::optional<Date> timeOf(icu::Calendar& calendar) {
+    UErrorCode status = U_ZERO_ERROR;
+    UDate value = calendar.getTime(status);
+    if (U_FAILURE(status)) {
+        return std::nullopt;
+    }
+    return fromUDate(value);
+}
+
+std::string formatIn(std::optional<Date> date, std::string_view format, std::string_view zone) {
+    if (!date) {
+        return {};
+    }
+    icu::SimpleDateFormat* formatter = formatters.get(format, zone);
+    if (formatter == nullptr) {
+        return {};
+    }
+    icu::UnicodeString out;
+    formatter->format(toUDate(*date), out);
+    return toUtf8(out);
+}
+
+std::optional<UDate> parseWhole(icu::SimpleDateFormat& formatter, const icu::UnicodeString& text,
+                                bool lenient) {
+    formatter.setLenient(lenient);
+    icu::ParsePosition position(0);
+    UDate value = formatter.parse(text, position);
+    if (position.getErrorIndex() != -1 || position.getIndex() != text.length()) {
+        return std::nullopt;
+    }
+    return value;
+}
+
+std::string countPhrase(int count, const char* one, const char* few, const char* many) {
+    return std::to_string(count) + " " + rusForms(count, one, few, many);
+}
+
+}  // namespace
+
+Date Dates::now() const { return clock_->now(); }
+
+std::string Dates::timeZoneId() const { return clock_->timeZoneId(); }
+
+Date Dates::noTime(Date date) const {
+    icu::Calendar* calendar = calendars.get(clock_->timeZoneId());
+    if (calendar == nullptr || !setTo(*calendar, date)) {
+        return date;
+    }
+    calendar->set(UCAL_HOUR_OF_DAY, 0);
+    calendar->set(UCAL_MINUTE, 0);
+    calendar->set(UCAL_SECOND, 0);
+    calendar->set(UCAL_MILLISECOND, 0);
+    return timeOf(*calendar).value_or(date);
+}
+
+std::string Dates::dateToString(std::optional<Date> date, std::string_view format) const {
+    return formatIn(date, format, clock_->timeZoneId());
+}
+
+std::string Dates::dateToStringUTC(std::optional<Date> date, std::string_view format) const {
+    return formatIn(date, format, "UTC");
+}
+
+std::optional<Date> Dates::dateFromStringFormat(std::string_view text,
+                                                std::string_view format) const {
+    icu::SimpleDateFormat* formatter = formatters.get(format, clock_->timeZoneId());
+    if (formatter == nullptr || text.empty()) {
+        return std::nullopt;
+    }
+    const icu::UnicodeString utext = toUnicode(text);
+    std::optional<UDate> value = parseWhole(*formatter, utext, false);
+    if (!value) {
+        // The strict parse also refuses a day whose midnight a change of
+        // clocks skips (there are zones that do this). Take the lenient
+        // reading only when it gives back the very same text, which still
+        // turns away 29 February of an ordinary year.
+        value = parseWhole(*formatter, utext, true);
+        if (value) {
+            icu::UnicodeString back;
+            formatter->format(*value, back);
+            if (back != utext) {
+                value.reset();
+            }
+        }
+    }
+    return value ? fromUDate(*value) : std::nullopt;
+}
+
+std::optional<Date> Dates::dateFromString(std::string_view text) const {
+    switch (text.size()) {
+        case 10:
+            return dateFromStringFormat(text, formats::day);
+        case 16:
+            return dateFromStringFormat(text, formats::minute);
+        case 19:
+            return dateFromStringFormat(text, formats::moment);
+        default:
+            return std::nullopt;
+    }
+}
+
+Date Dates::encodeDate(int day, int month, int year) const {
+    icu::Calendar* calendar = calendars.get(clock_->timeZoneId());
+    if (calendar == nullptr) {
+        return Date{};
+    }
+    calendar->clear();
+    calendar->set(year, month - 1, day);
+    return timeOf(*calendar).value_or(Date{});
+}
+
+DateParts Dates::decodeDate(Date date) const {
+    icu::Calendar* calendar = calendars.get(clock_->timeZoneId());
+    if (calendar == nullptr || !setTo(*calendar, date)) {
+        return {};
+    }
+    UErrorCode status = U_ZERO_ERROR;
+    DateParts parts;
+    parts.year = calendar->get(UCAL_YEAR, status);
+    parts.month = calendar->get(UCAL_MONTH, status) + 1;
+    parts.day = calendar->get(UCAL_DATE, status);
+    parts.weekday = calendar->get(UCAL_DAY_OF_WEEK, status);
+    parts.weekOfYear = calendar->get(UCAL_WEEK_OF_YEAR, status);
+    return U_SUCCESS(status) ? parts : DateParts{};
+}
+
+int Dates::getDays(Date from, Date to) const {
+    const Date first = noTime(from);
+    const Date second = noTime(to);
+    icu::Calendar* calendar = calendars.get(clock_->timeZoneId());
+    if (calendar == nullptr || !setTo(*calendar, first)) {
+        return 0;
+    }
+    UErrorCode status = U_ZERO_ERROR;
+    const int days = calendar->fieldDifference(toUDate(second), UCAL_DATE, status);
+    return U_SUCCESS(status) ? days : 0;
+}
+
+int Dates::getMonths(Date from, Date to) const {
+    const Date first = noTime(from);
+    const Date second = noTime(to);
+    icu::Calendar* calendar = calendars.get(clock_->timeZoneId());
+    if (calendar == nullptr || !setTo(*calendar, first)) {
+        return 0;
+    }
+    UErrorCode status = U_ZERO_ERROR;
+    const int months = calendar->fieldDifference(toUDate(second), UCAL_MONTH, status);
+    return U_SUCCESS(status) ? months : 0;
+}
+
+namespace {
+Date addField(std::string_view zone, Date date, UCalendarDateFields field, int amount) {
+    icu::Calendar* calendar = calendars.get(zone);
+    if (calendar == nullptr || !setTo(*calendar, date)) {
+        return date;
+    }
+    UErrorCode status = U_ZERO_ERROR;
+    calendar->add(field, amount, status);
+    if (U_FAILURE(status)) {
+        return date;
+    }
+    return timeOf(*calendar).value_or(date);
+}
+}  // namespace
+
+Date Dates::addDays(Date date, int days) const {
+    return addField(clock_->timeZoneId(), date, UCAL_DATE, days);
+}
+
+Date Dates::addMonths(Date date, int months) const {
+    return addField(clock_->timeZoneId(), date, UCAL_MONTH, months);
+}
+
+Date Dates::addYears(Date date, int years) const {
+    return addField(clock_->timeZoneId(), date, UCAL_YEAR, years);
+}
+
+int Dates::lastDateOfMonth(Date date) const {
+    icu::Calendar* calendar = calendars.get(clock_->timeZoneId());
+    if (calendar == nullptr || !setTo(*calendar, date)) {
+        return 0;
+    }
+    UErrorCode status = U_ZERO_ERROR;
+    const int last = calendar->getActualMaximum(UCAL_DATE, status);
+    return U_SUCCESS(status) ? last : 0;
+}
+
+std::string Dates::monthAge(Date start, Date end, bool noempty, bool nodays) const {
+    icu::Calendar* calendar = calendars.get(clock_->timeZoneId());
+    if (calendar == nullptr || !setTo(*calendar, start)) {
+        return {};
+    }
+    // fieldDifference walks the calendar forward field by field, which gives
+    // years, then the months left, then the days left.
+    UErrorCode status = U_ZERO_ERROR;
+    const UDate target = toUDate(end);
+    const int years = calendar->fieldDifference(target, UCAL_YEAR, status);
+    const int months = calendar->fieldDifference(target, UCAL_MONTH, status);
+    const int days = calendar->fieldDifference(target, UCAL_DATE, status);
+    if (U_FAILURE(status)) {
+        return {};
+    }
+
+    std::string phrase;
+    if (years >= 1) {
+        phrase = countPhrase(years, "год", "года", "лет");
+    }
+    if (months >= 1) {
+        // The connective follows the days even when they are not shown, so
+        // "1 год, 2 месяца" keeps its comma without the days. A negative day
+        // count (an end before the start) puts nothing between.
+        if (!phrase.empty()) {
+            if (days > 0) {
+                phrase += ", ";
+            } else if (days == 0) {
+                phrase += " и ";
+            }
+        }
+        phrase += countPhrase(months, "месяц", "месяца", "месяцев");
+    }
+    if (days > 0 && !nodays) {
+        if (!phrase.empty()) {
+            phrase += " и ";
+        }
+        phrase += countPhrase(days, "день", "дня", "дней");
+    }
+    if (phrase.empty() && years == 0 && months == 0 && days < 1 && noempty) {
+        phrase = "Только что родился";
+    }
+    return phrase;
+}
+
+}  // namespace tilika::core

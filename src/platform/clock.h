@@ -1,0 +1,45 @@
+#pragma once
+
+#include <string>
+
+#include "core/date.h"
+
+namespace tilika::platform {
+
+// Where "now" and the device's time zone come from. The core never asks the
+// system directly, so tests can pin both and move them between calls.
+class Clock {
+public:
+    virtual ~Clock() = default;
+
+    virtual core::Date now() const = 0;
+    // IANA name of the device's current time zone, such as "Europe/Moscow".
+    virtual std::string timeZoneId() const = 0;
+};
+
+// The real clock: system time and the host's zone, looked up on every call
+// so a zone change while the program runs is seen at once.
+class SystemClock final : public Clock {
+public:
+    core::Date now() const override;
+    std::string timeZoneId() const override;
+};
+
+// A clock that says what it is told; for tests, benchmarks and replays.
+class ManualClock final : public Clock {
+public:
+    ManualClock(core::Date now, std::string zone) : now_(now), zone_(std::move(zone)) {}
+
+    core::Date now() const override { return now_; }
+    std::string timeZoneId() const override { return zone_; }
+
+    void set(core::Date now) { now_ = now; }
+    void advance(std::chrono::milliseconds by) { now_ += by; }
+    void setTimeZoneId(std::string zone) { zone_ = std::move(zone); }
+
+private:
+    core::Date now_;
+    std::string zone_;
+};
+
+}  // namespace tilika::platform
