@@ -1,0 +1,53 @@
+#include "core/text.h"
+
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <limits>
+
+namespace tilika::core {
+namespace {
+
+TEST(Text, ReadsNumbersForgivingly) {
+    EXPECT_EQ(intValue("42"), 42);
+    EXPECT_EQ(intValue("  -7 дней"), -7);
+    EXPECT_EQ(intValue("+3"), 3);
+    EXPECT_EQ(intValue("3.9"), 3);
+    EXPECT_EQ(intValue("abc"), 0);
+    EXPECT_EQ(intValue(""), 0);
+    EXPECT_EQ(intValue("99999999999999999999"), std::numeric_limits<int>::max());
+    EXPECT_EQ(intValue("-99999999999999999999"), std::numeric_limits<int>::min());
+
+    EXPECT_DOUBLE_EQ(floatValue("36.6"), 36.6);
+    EXPECT_DOUBLE_EQ(floatValue(" 08:30"), 8.0);
+    EXPECT_DOUBLE_EQ(floatValue("-.5kg"), -0.5);
+    EXPECT_DOUBLE_EQ(floatValue("1e3"), 1000.0);
+    EXPECT_DOUBLE_EQ(floatValue("nan"), 0.0);
+    EXPECT_DOUBLE_EQ(floatValue("inf"), 0.0);
+    EXPECT_DOUBLE_EQ(floatValue("."), 0.0);
+    EXPECT_DOUBLE_EQ(floatValue("1e999"), std::numeric_limits<double>::max());
+}
+
+TEST(Text, ReadsDecimalPointsWhateverTheLocale) {
+    // The program runs with the user's locale, where the decimal mark may be
+    // a comma; stored numbers always use a point.
+    std::setlocale(LC_NUMERIC, "ru_RU.UTF-8");
+    EXPECT_DOUBLE_EQ(floatValue("3.25"), 3.25);
+    std::setlocale(LC_NUMERIC, "C");
+}
+
+TEST(Text, SplitsJoinsAndReplaces) {
+    using Pieces = std::vector<std::string>;
+    EXPECT_EQ(split("a<tr>b<tr><tr>c", "<tr>"), (Pieces{"a", "b", "", "c"}));
+    EXPECT_EQ(split("", "<tr>"), (Pieces{""}));
+    EXPECT_EQ(split("<tr>", "<tr>"), (Pieces{"", ""}));
+    EXPECT_EQ(split("NEWNOTE", "|"), (Pieces{"NEWNOTE"}));
+    EXPECT_EQ(join(Pieces{"08:00", "11:00"}, "<table>"), "08:00<table>11:00");
+    EXPECT_EQ(join(split("a|b|c", "|"), "|"), "a|b|c");
+    EXPECT_EQ(replaceAll("1.2.3", ".", "-"), "1-2-3");
+    EXPECT_EQ(replaceAll("aaa", "aa", "b"), "ba");
+    EXPECT_EQ(replaceAll("abc", "", "x"), "abc");
+}
+
+}  // namespace
+}  // namespace tilika::core
