@@ -23,6 +23,15 @@ constexpr int kPushAlertTag = 2;
 
 bool isOldCloudMode(long long mode) { return mode == 2 || mode == 4 || mode == 5; }
 
+platform::Alert okAlert(std::string title, std::string text, int tag) {
+    platform::Alert alert;
+    alert.title = std::move(title);
+    alert.text = std::move(text);
+    alert.buttons = {"ОК"};
+    alert.tag = tag;
+    return alert;
+}
+
 }  // namespace
 
 Application::Application(const platform::Clock& clock, platform::SettingsStore& settings,
@@ -245,14 +254,12 @@ bool Application::openUrl(const std::string& url) {
     }
     if (url.starts_with("file://")) {
         state_.pendingFileUrl = url;
-        platform::Alert alert;
-        alert.title = "Файл к документу";
-        alert.text =
+        shell_.showAlert(okAlert(
+            "Файл к документу",
             "Теперь Вам следует перейти в режим редактирования анализов или в режим "
             "редактирования документов ребенка и вставить этот файл в документ выбрав пункт меню "
-            "'Файл PDF' или 'Заменить файлом PDF'.";
-        alert.buttons = {"ОК"};
-        shell_.showAlert(std::move(alert));
+            "'Файл PDF' или 'Заменить файлом PDF'.",
+            0));
     }
     return true;
 }
@@ -260,12 +267,7 @@ bool Application::openUrl(const std::string& url) {
 void Application::performShortcut(const std::string& type) { state_.pendingShortcut = type; }
 
 void Application::didReceiveLocalNotification(const std::string& body) {
-    platform::Alert alert;
-    alert.title = "Напоминание";
-    alert.text = body;
-    alert.buttons = {"ОК"};
-    alert.tag = kReminderAlertTag;
-    shell_.showAlert(std::move(alert));
+    shell_.showAlert(okAlert("Напоминание", body, kReminderAlertTag));
 }
 
 void Application::didReceiveRemoteNotification(const nlohmann::json& payload) {
@@ -285,12 +287,7 @@ void Application::didReceiveRemoteNotification(const nlohmann::json& payload) {
                aps["alert"].contains("body") && aps["alert"]["body"].is_string()) {
         message = aps["alert"]["body"].get<std::string>();
     }
-    platform::Alert alert;
-    alert.title = "Внимание";
-    alert.text = message;
-    alert.buttons = {"ОК"};
-    alert.tag = kPushAlertTag;
-    shell_.showAlert(std::move(alert));
+    shell_.showAlert(okAlert("Внимание", message, kPushAlertTag));
 }
 
 void Application::didRegisterForRemoteNotifications(const std::string& tokenDescription) {

@@ -235,28 +235,26 @@ DateParts Dates::decodeDate(Date date) const {
     return U_SUCCESS(status) ? parts : DateParts{};
 }
 
-int Dates::getDays(Date from, Date to) const {
-    const Date first = noTime(from);
-    const Date second = noTime(to);
-    icu::Calendar* calendar = calendars.get(clock_->timeZoneId());
+namespace {
+// Whole units of `field` from the first date to the second (negative when the
+// second is earlier).
+int unitsBetween(std::string_view zone, Date first, Date second, UCalendarDateFields field) {
+    icu::Calendar* calendar = calendars.get(zone);
     if (calendar == nullptr || !setTo(*calendar, first)) {
         return 0;
     }
     UErrorCode status = U_ZERO_ERROR;
-    const int days = calendar->fieldDifference(toUDate(second), UCAL_DATE, status);
-    return U_SUCCESS(status) ? days : 0;
+    const int count = calendar->fieldDifference(toUDate(second), field, status);
+    return U_SUCCESS(status) ? count : 0;
+}
+}  // namespace
+
+int Dates::getDays(Date from, Date to) const {
+    return unitsBetween(clock_->timeZoneId(), noTime(from), noTime(to), UCAL_DATE);
 }
 
 int Dates::getMonths(Date from, Date to) const {
-    const Date first = noTime(from);
-    const Date second = noTime(to);
-    icu::Calendar* calendar = calendars.get(clock_->timeZoneId());
-    if (calendar == nullptr || !setTo(*calendar, first)) {
-        return 0;
-    }
-    UErrorCode status = U_ZERO_ERROR;
-    const int months = calendar->fieldDifference(toUDate(second), UCAL_MONTH, status);
-    return U_SUCCESS(status) ? months : 0;
+    return unitsBetween(clock_->timeZoneId(), noTime(from), noTime(to), UCAL_MONTH);
 }
 
 namespace {
