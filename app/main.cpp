@@ -107,9 +107,9 @@ int main(int argc, char** argv) {
     });
 
     const tilika::platform::SystemClock clock;
-    tilika::frame::Session session(clock,
-                                   options.dataDir.value_or(tilika::frame::Session::defaultDataDir()),
-                                   tilika::frame::Session::defaultResourceDir());
+    tilika::frame::Session session(
+        clock, options.dataDir.value_or(tilika::frame::Session::defaultDataDir()),
+        tilika::frame::Session::defaultResourceDir());
     if (!session.start()) {
         std::cerr << "tilika: cannot create the data folder\n";
         return 1;

@@ -14,11 +14,12 @@ Session::Session(const platform::Clock& clock, std::filesystem::path dataDir,
     : folders_(std::move(dataDir), std::move(resourceDir)),
       settings_(folders_.path(platform::SystemFolder::Library) / "settings.json"),
       application_(clock, settings_, folders_, shell_) {
-    shell_.setRootFactory(
-        [this] { return std::make_unique<MainWindow>(application_.state()); });
+    shell_.setRootFactory([this] { return std::make_unique<MainWindow>(application_.state()); });
 }
 
-Session::~Session() { QObject::disconnect(stateConnection_); }
+Session::~Session() {
+    QObject::disconnect(stateConnection_);
+}
 
 bool Session::start() {
     if (!folders_.createLayout()) {

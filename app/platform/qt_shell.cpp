@@ -28,8 +28,8 @@ void QtShell::registerForRemoteNotifications() {
 }
 
 void QtShell::setShortcuts(const std::vector<Shortcut>& shortcuts) {
-    log("Shortcuts: the desktop has no home-screen shortcuts (" +
-        std::to_string(shortcuts.size()) + " offered)");
+    log("Shortcuts: the desktop has no home-screen shortcuts (" + std::to_string(shortcuts.size()) +
+        " offered)");
 }
 
 void QtShell::showAlert(Alert alert) {
@@ -87,6 +87,8 @@ void QtShell::hideKeyboard() {
     }
 }
 
-void QtShell::coverWithLock() { log("The lock screen is not part of this build yet"); }
+void QtShell::coverWithLock() {
+    log("The lock screen is not part of this build yet");
+}
 
 }  // namespace tilika::platform

@@ -21,7 +21,9 @@ constexpr int kBirthdayAlertTag = 13;
 constexpr int kReminderAlertTag = 1;
 constexpr int kPushAlertTag = 2;
 
-bool isOldCloudMode(long long mode) { return mode == 2 || mode == 4 || mode == 5; }
+bool isOldCloudMode(long long mode) {
+    return mode == 2 || mode == 4 || mode == 5;
+}
 
 platform::Alert okAlert(std::string title, std::string text, int tag) {
     platform::Alert alert;
@@ -149,8 +151,8 @@ void Application::fromOldVersionChild1() {
         return;
     }
     runGuarded("first profile", [&] {
-        SQLite::Statement update(
-            *db, "update child set birthday=?, sex=?, sbirthdate=? where chid=1");
+        SQLite::Statement update(*db,
+                                 "update child set birthday=?, sex=?, sbirthdate=? where chid=1");
         const auto seconds =
             std::chrono::duration_cast<std::chrono::seconds>(birthday.time_since_epoch());
         update.bind(1, static_cast<std::int64_t>(seconds.count()));
@@ -264,7 +266,9 @@ bool Application::openUrl(const std::string& url) {
     return true;
 }
 
-void Application::performShortcut(const std::string& type) { state_.pendingShortcut = type; }
+void Application::performShortcut(const std::string& type) {
+    state_.pendingShortcut = type;
+}
 
 void Application::didReceiveLocalNotification(const std::string& body) {
     shell_.showAlert(okAlert("Напоминание", body, kReminderAlertTag));
@@ -283,8 +287,8 @@ void Application::didReceiveRemoteNotification(const nlohmann::json& payload) {
     std::string message;
     if (aps.contains("alert") && aps["alert"].is_string()) {
         message = aps["alert"].get<std::string>();
-    } else if (aps.contains("alert") && aps["alert"].is_object() &&
-               aps["alert"].contains("body") && aps["alert"]["body"].is_string()) {
+    } else if (aps.contains("alert") && aps["alert"].is_object() && aps["alert"].contains("body") &&
+               aps["alert"]["body"].is_string()) {
         message = aps["alert"]["body"].get<std::string>();
     }
     shell_.showAlert(okAlert("Внимание", message, kPushAlertTag));
@@ -318,9 +322,13 @@ void Application::correctBackground() {
     state_.darkBars = true;
 }
 
-void Application::dropboxInit() { state_.dropboxReady = false; }
+void Application::dropboxInit() {
+    state_.dropboxReady = false;
+}
 
-bool Application::dropboxHandleOpenUrl(const std::string& /*url*/) { return false; }
+bool Application::dropboxHandleOpenUrl(const std::string& /*url*/) {
+    return false;
+}
 
 void Application::updateNoteAlarms() {}
 

@@ -68,7 +68,9 @@ DatabaseStore::DatabaseStore(const platform::Folders& folders, const Dates& date
 
 DatabaseStore::~DatabaseStore() = default;
 
-fs::path DatabaseStore::path() const { return folders_.path(SystemFolder::Reserv) / fileName_; }
+fs::path DatabaseStore::path() const {
+    return folders_.path(SystemFolder::Reserv) / fileName_;
+}
 
 bool DatabaseStore::fromOldVersionNewRestore() {
     disconnectFromBase();
@@ -115,7 +117,9 @@ SQLite::Database* DatabaseStore::connectToBase() {
     return db_.get();
 }
 
-void DatabaseStore::disconnectFromBase() { db_.reset(); }
+void DatabaseStore::disconnectFromBase() {
+    db_.reset();
+}
 
 std::unique_ptr<SQLite::Database> DatabaseStore::openConnection() const {
     const fs::path live = path();
@@ -149,14 +153,12 @@ void DatabaseStore::toReserv() {
     fs::path partial = copy;
     partial += ".part";
     fs::remove(partial, error);
+    // The copy reads through a connection of its own, so it holds what has
+    // been committed and nothing of a change still under way.
     try {
+        SQLite::Database source(live.string(), SQLite::OPEN_READONLY, kBusyTimeoutMs);
         SQLite::Database target(partial.string(), SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
-        if (db_) {
-            SQLite::Backup(target, *db_).executeStep();
-        } else {
-            SQLite::Database source(live.string(), SQLite::OPEN_READONLY, kBusyTimeoutMs);
-            SQLite::Backup(target, source).executeStep();
-        }
+        SQLite::Backup(target, source).executeStep();
     } catch (const SQLite::Exception& e) {
         platform::log(std::string("Daily copy of the database failed: ") + e.what());
         fs::remove(partial, error);
@@ -210,8 +212,8 @@ std::optional<std::string> stringFromBase(const SQLite::Statement& statement, in
     return value.getString();
 }
 
-std::optional<Date> dateFromBase(const Dates& dates, const SQLite::Statement& statement,
-                                 int column, bool time) {
+std::optional<Date> dateFromBase(const Dates& dates, const SQLite::Statement& statement, int column,
+                                 bool time) {
     const std::optional<std::string> text = stringFromBase(statement, column);
     if (!text) {
         return std::nullopt;

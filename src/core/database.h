@@ -94,8 +94,8 @@ bool runGuarded(std::string_view what, Operation&& operation) noexcept {
 std::optional<std::string> stringFromBase(const SQLite::Statement& statement, int column);
 // A day "yyyy-MM-dd", or with `time` a moment "yyyy-MM-dd HH:mm:ss"; NULL or
 // unreadable text gives nothing.
-std::optional<Date> dateFromBase(const Dates& dates, const SQLite::Statement& statement,
-                                 int column, bool time);
+std::optional<Date> dateFromBase(const Dates& dates, const SQLite::Statement& statement, int column,
+                                 bool time);
 // Binds the date as text in the same forms; a missing date binds NULL.
 void dateToBase(const Dates& dates, SQLite::Statement& statement, int position,
                 std::optional<Date> date, bool time);

@@ -35,7 +35,9 @@ std::string toUtf8(const icu::UnicodeString& text) {
     return out;
 }
 
-UDate toUDate(Date date) { return static_cast<UDate>(date.time_since_epoch().count()); }
+UDate toUDate(Date date) {
+    return static_cast<UDate>(date.time_since_epoch().count());
+}
 
 std::optional<Date> fromUDate(UDate value) {
     if (!std::isfinite(value) || std::fabs(value) > kLargestMillis) {
@@ -148,9 +150,13 @@ std::string countPhrase(int count, const char* one, const char* few, const char*
 
 }  // namespace
 
-Date Dates::now() const { return clock_->now(); }
+Date Dates::now() const {
+    return clock_->now();
+}
 
-std::string Dates::timeZoneId() const { return clock_->timeZoneId(); }
+std::string Dates::timeZoneId() const {
+    return clock_->timeZoneId();
+}
 
 Date Dates::noTime(Date date) const {
     icu::Calendar* calendar = calendars.get(clock_->timeZoneId());

@@ -52,6 +52,8 @@ std::string newID2(int kind, std::string_view lid) {
     return id;
 }
 
-std::string newID2(int kind, long long lid) { return newID2(kind, std::to_string(lid)); }
+std::string newID2(int kind, long long lid) {
+    return newID2(kind, std::to_string(lid));
+}
 
 }  // namespace tilika::core

@@ -7,8 +7,8 @@ namespace tilika::core {
 
 // Kinds of main menu rows.
 namespace menukind {
-inline constexpr int page = 1;     // a page of the root pager
-inline constexpr int action = 2;   // an action on the active child
+inline constexpr int page = 1;    // a page of the root pager
+inline constexpr int action = 2;  // an action on the active child
 inline constexpr int addChild = 3;
 inline constexpr int service = 4;  // a service with a picture and a comment
 inline constexpr int toggle = 5;   // a switch; its comment is its caption

@@ -6,8 +6,12 @@
 namespace tilika::core {
 namespace {
 
-bool isSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f'; }
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
+bool isSpace(char c) {
+    return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f';
+}
+bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
 
 std::string_view skipSpaces(std::string_view text) {
     std::size_t i = 0;
@@ -51,8 +55,8 @@ double floatValue(std::string_view text) {
         return 0.0;
     }
     double value = 0.0;
-    auto result = std::from_chars(text.data(), text.data() + text.size(), value,
-                                  std::chars_format::general);
+    auto result =
+        std::from_chars(text.data(), text.data() + text.size(), value, std::chars_format::general);
     if (result.ec == std::errc::result_out_of_range) {
         return text.front() == '-' ? -std::numeric_limits<double>::max()
                                    : std::numeric_limits<double>::max();

@@ -36,8 +36,8 @@ std::string weekday(int number) {
 }
 
 std::string weekdayfull(int number) {
-    static constexpr std::array<std::string_view, 6> names{
-        "воскресенье", "понедельник", "вторник", "среда", "четверг", "пятница"};
+    static constexpr std::array<std::string_view, 6> names{"воскресенье", "понедельник", "вторник",
+                                                           "среда",       "четверг",     "пятница"};
     return std::string(number >= 1 && number <= 6 ? names[number - 1] : "суббота");
 }
 

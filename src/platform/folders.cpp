@@ -29,8 +29,8 @@ std::filesystem::path DataFolders::path(SystemFolder folder) const {
 bool DataFolders::createLayout() const {
     const auto documents = path(SystemFolder::Document);
     const std::array<std::filesystem::path, 9> folders{
-        path(SystemFolder::Reserv), documents / "picture",   documents / "picture-s",
-        documents / "analizy",      documents / "documents", path(SystemFolder::Library),
+        path(SystemFolder::Reserv), documents / "picture",     documents / "picture-s",
+        documents / "analizy",      documents / "documents",   path(SystemFolder::Library),
         path(SystemFolder::Temp),   path(SystemFolder::Cloud), documents,
     };
     bool ok = true;

@@ -1,13 +1,12 @@
 #include "platform/settings_store.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <cerrno>
 #include <cmath>
+#include <fcntl.h>
 #include <fstream>
 #include <sstream>
 #include <system_error>
+#include <unistd.h>
 
 #include "core/text.h"
 #include "platform/log.h"

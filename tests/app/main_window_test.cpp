@@ -1,3 +1,5 @@
+#include "frame/main_window.h"
+
 #include <QAbstractButton>
 #include <QApplication>
 #include <QImage>
@@ -6,7 +8,6 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
-#include "frame/main_window.h"
 #include "frame/session.h"
 #include "platform/clock.h"
 
@@ -66,11 +67,14 @@ private slots:
 
     void alertReportsTheButtonPressed() {
         int pressed = -1;
-        session_->shell().showAlert({"День рождения", "Текст", {"Не сейчас", "Так и быть"}, 13,
-                                     [&](int button) { pressed = button; }});
+        session_->shell().showAlert(
+            {"День рождения", "Текст", {"Не сейчас", "Так и быть"}, 13, [&](int button) {
+                 pressed = button;
+             }});
         QMessageBox* box = nullptr;
         for (QWidget* widget : QApplication::topLevelWidgets()) {
-            if (auto* candidate = qobject_cast<QMessageBox*>(widget); candidate && candidate->isVisible()) {
+            if (auto* candidate = qobject_cast<QMessageBox*>(widget);
+                candidate && candidate->isVisible()) {
                 box = candidate;
             }
         }

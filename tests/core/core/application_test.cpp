@@ -109,9 +109,9 @@ TEST_F(ApplicationTest, FirstLaunchSetsUpSettingsDatabaseAndMenu) {
         EXPECT_TRUE(dirty);
     }
 
-    EXPECT_EQ(menuIds(), (std::vector<int>{1,  2,  3,  4,  5,  6,  7,  8,  10, 9,  23,
-                                           21, 22, 31, 32, 40, 45, 48, 34, 36, 37, 38,
-                                           42, 51, 52, 53, 54, 55, 56, 0}));
+    EXPECT_EQ(menuIds(),
+              (std::vector<int>{1,  2,  3,  4,  5,  6,  7,  8,  10, 9,  23, 21, 22, 31, 32,
+                                40, 45, 48, 34, 36, 37, 38, 42, 51, 52, 53, 54, 55, 56, 0}));
     EXPECT_EQ(state.pageCount, 10);
     EXPECT_EQ(state.menuItems.back().comment, std::string("Версия ") + build::kShortVersion);
     EXPECT_EQ(state.menuItems[0].gid, "LOCAL");

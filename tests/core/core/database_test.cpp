@@ -68,14 +68,14 @@ TEST_F(DatabaseStoreTest, FirstRunCopiesTheTemplateWithItsLists) {
     SQLite::Database* db = store.connectToBase();
     ASSERT_NE(db, nullptr);
     for (int cotype : {1, 2, 3, 4, 5, 6, 7, 8, 9, 101, 102, 103, 200, 201}) {
-        EXPECT_GT(count(*db, "select count(*) from childconst where cotype=" +
-                                 std::to_string(cotype)),
-                  0)
+        EXPECT_GT(
+            count(*db, "select count(*) from childconst where cotype=" + std::to_string(cotype)), 0)
             << cotype;
     }
     EXPECT_EQ(count(*db, "select count(*) from childconst where cotype=3 and deleted=4"), 1);
-    EXPECT_GT(count(*db, "select count(*) from childconst where cotype=3 and coname like "
-                         "'%<tr>1' and deleted=2"),
+    EXPECT_GT(count(*db,
+                    "select count(*) from childconst where cotype=3 and coname like "
+                    "'%<tr>1' and deleted=2"),
               0);
     EXPECT_EQ(count(*db, "select count(*) from childconst where cotype=4"), 9);
     EXPECT_EQ(count(*db, "select count(*) from childconst where coguid is null or coname is null"),

@@ -40,9 +40,9 @@ TEST(SystemFolders, CreatesTheWholeLayout) {
     test::TempDir dir;
     platform::DataFolders folders(dir.path() / "x", dir.path() / "res");
     ASSERT_TRUE(folders.createLayout());
-    for (const char* sub : {"Documents/reserv", "Documents/picture", "Documents/picture-s",
-                            "Documents/analizy", "Documents/documents", "Library", "tmp",
-                            "Cloud"}) {
+    for (const char* sub :
+         {"Documents/reserv", "Documents/picture", "Documents/picture-s", "Documents/analizy",
+          "Documents/documents", "Library", "tmp", "Cloud"}) {
         EXPECT_TRUE(std::filesystem::is_directory(dir.path() / "x" / sub)) << sub;
     }
 }

@@ -1,8 +1,7 @@
 #include "support/temp_dir.h"
 
-#include <stdlib.h>
-
 #include <stdexcept>
+#include <stdlib.h>
 #include <string>
 
 namespace tilika::test {

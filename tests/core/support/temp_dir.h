@@ -19,6 +19,8 @@ private:
 };
 
 // The folder with the program's resources as built, template database included.
-inline std::filesystem::path resourceDir() { return TILIKA_TEST_RESOURCE_DIR; }
+inline std::filesystem::path resourceDir() {
+    return TILIKA_TEST_RESOURCE_DIR;
+}
 
 }  // namespace tilika::test
