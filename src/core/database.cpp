@@ -2,6 +2,7 @@
 
 #include <SQLiteCpp/Backup.h>
 #include <SQLiteCpp/Exception.h>
+#include <sqlite3.h>
 
 #include <algorithm>
 #include <cctype>
@@ -9,6 +10,7 @@
 #include <vector>
 
 #include "core/dates.h"
+#include "core/files.h"
 #include "platform/folders.h"
 #include "platform/log.h"
 
@@ -20,6 +22,7 @@ using platform::SystemFolder;
 namespace {
 
 constexpr int kBusyTimeoutMs = 5000;
+constexpr int kCopyAttempts = 3;
 
 std::string lowerAscii(std::string text) {
     std::transform(text.begin(), text.end(), text.begin(),
@@ -27,19 +30,29 @@ std::string lowerAscii(std::string text) {
     return text;
 }
 
-// Moves a file, replacing the target; across file systems it copies first
-// and removes the source only once the copy is complete.
-bool moveReplacing(const fs::path& from, const fs::path& to) {
+// SQLite keeps an unfinished transaction in files beside the database; they
+// travel with it, or a crash's pending changes would be lost on the way.
+constexpr const char* kSideFiles[] = {"-journal", "-wal", "-shm"};
+
+bool moveDatabase(const fs::path& from, const fs::path& to) {
     std::error_code error;
-    fs::rename(from, to, error);
-    if (!error) {
-        return true;
+    for (const char* side : kSideFiles) {
+        fs::path target = to;
+        target += side;
+        fs::remove(target, error);
     }
-    fs::copy_file(from, to, fs::copy_options::overwrite_existing, error);
-    if (error) {
+    if (!moveReplacing(from, to)) {
         return false;
     }
-    fs::remove(from, error);
+    for (const char* side : kSideFiles) {
+        fs::path source = from;
+        source += side;
+        if (fs::exists(source, error)) {
+            fs::path target = to;
+            target += side;
+            moveReplacing(source, target);
+        }
+    }
     return true;
 }
 
@@ -83,14 +96,12 @@ bool DatabaseStore::fromOldVersionNewRestore() {
         if (!fs::exists(old, error)) {
             continue;
         }
-        // The older file wins, as it always has; whatever it displaces is
-        // kept beside it rather than lost.
+        // The file from the old home wins, as it always has; whatever it
+        // displaces is kept beside it rather than lost.
         if (fs::exists(live, error)) {
-            fs::path displaced = live;
-            displaced += ".replaced";
-            moveReplacing(live, displaced);
+            moveDatabase(live, freePath(live, ".replaced"));
         }
-        if (!moveReplacing(old, live)) {
+        if (!moveDatabase(old, live)) {
             platform::log("Could not move the database from " + old.string());
         }
     }
@@ -108,8 +119,18 @@ bool DatabaseStore::fromOldVersionNewRestore() {
 SQLite::Database* DatabaseStore::connectToBase() {
     const std::string today = dates_.dateToString(dates_.now(), formats::backupDay);
     if (today != backupCheckedOn_) {
-        toReserv();
-        backupCheckedOn_ = today;
+        // A copy that failed (a full disk, a file locked by another program)
+        // is tried again on later connects, but a few times only: each try
+        // reads the whole file.
+        if (failedCopyDay_ != today) {
+            failedCopyDay_ = today;
+            failedCopies_ = 0;
+        }
+        if (toReserv()) {
+            backupCheckedOn_ = today;
+        } else if (++failedCopies_ >= kCopyAttempts) {
+            backupCheckedOn_ = today;
+        }
     }
     if (!db_) {
         db_ = openConnection();
@@ -137,17 +158,17 @@ std::unique_ptr<SQLite::Database> DatabaseStore::openConnection() const {
     }
 }
 
-void DatabaseStore::toReserv() {
+bool DatabaseStore::toReserv() {
     const fs::path live = path();
     const fs::path folder = live.parent_path();
     std::error_code error;
     if (!fs::is_regular_file(live, error)) {
-        return;
+        return true;
     }
     const Date yesterday = dates_.addDays(dates_.now(), -1);
     const fs::path copy = folder / (dates_.dateToString(yesterday, formats::backupDay) + ".sqlite");
     if (fs::exists(copy, error)) {
-        return;
+        return true;
     }
 
     fs::path partial = copy;
@@ -158,16 +179,21 @@ void DatabaseStore::toReserv() {
     try {
         SQLite::Database source(live.string(), SQLite::OPEN_READONLY, kBusyTimeoutMs);
         SQLite::Database target(partial.string(), SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
-        SQLite::Backup(target, source).executeStep();
+        const int result = SQLite::Backup(target, source).executeStep();
+        if (result != SQLITE_DONE) {
+            throw SQLite::Exception("the copy did not finish", result);
+        }
     } catch (const SQLite::Exception& e) {
+        // A half copy must not stand in for the day's copy: it would block
+        // the real one and push a good one out of the folder.
         platform::log(std::string("Daily copy of the database failed: ") + e.what());
         fs::remove(partial, error);
-        return;
+        return false;
     }
     fs::rename(partial, copy, error);
     if (error) {
         fs::remove(partial, error);
-        return;
+        return false;
     }
 
     std::vector<std::string> names;
@@ -177,7 +203,7 @@ void DatabaseStore::toReserv() {
         }
     }
     if (names.size() <= kReserveFiles) {
-        return;
+        return true;
     }
     // Copies are named by date in digits, so the first name is the oldest;
     // one goes per day. The live file sorts after the digits, and is never
@@ -188,6 +214,7 @@ void DatabaseStore::toReserv() {
     if (names.front() != fileName_) {
         fs::remove(folder / names.front(), error);
     }
+    return true;
 }
 
 bool DatabaseStore::testBaseFile() const {

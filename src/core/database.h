@@ -4,6 +4,7 @@
 #include <SQLiteCpp/Exception.h>
 #include <SQLiteCpp/Statement.h>
 
+#include <exception>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -59,7 +60,9 @@ public:
     // The daily copy, named "yyMMdd.sqlite" for yesterday, taken through
     // SQLite's online backup so it is consistent even with the file open.
     // Keeps at most kReserveFiles ".sqlite" files, deleting the oldest copy.
-    void toReserv();
+    // False when the copy was due and could not be made; the next connect
+    // tries again.
+    bool toReserv();
 
     // True when the file can't be opened, or when its reference table has
     // rows; false when the query fails or the table is empty.
@@ -74,17 +77,19 @@ private:
     std::string fileName_;
     std::unique_ptr<SQLite::Database> db_;
     std::string backupCheckedOn_;  // "yyMMdd" of the day whose copy was last seen to
+    std::string failedCopyDay_;
+    int failedCopies_ = 0;
 };
 
-// Runs one database operation. A statement that fails ends the operation
-// quietly (with a log line): callers show an empty result, never an error.
-// Returns false when it failed.
+// Runs one database operation. A statement that fails, or a stored value
+// that can't be read, ends the operation quietly (with a log line): callers
+// show an empty result, never an error. Returns false when it failed.
 template <class Operation>
 bool runGuarded(std::string_view what, Operation&& operation) noexcept {
     try {
         operation();
         return true;
-    } catch (const SQLite::Exception& e) {
+    } catch (const std::exception& e) {
         platform::log(std::string(what) + ": " + e.what());
         return false;
     }

@@ -242,25 +242,46 @@ DateParts Dates::decodeDate(Date date) const {
 }
 
 namespace {
-// Whole units of `field` from the first date to the second (negative when the
-// second is earlier).
-int unitsBetween(std::string_view zone, Date first, Date second, UCalendarDateFields field) {
+// Noon of the date's day: unlike midnight, it exists on every day, also where
+// a change of clocks skips the start of the day.
+std::optional<UDate> noonOf(icu::Calendar& calendar, Date date) {
+    if (!setTo(calendar, date)) {
+        return std::nullopt;
+    }
+    calendar.set(UCAL_HOUR_OF_DAY, 12);
+    calendar.set(UCAL_MINUTE, 0);
+    calendar.set(UCAL_SECOND, 0);
+    calendar.set(UCAL_MILLISECOND, 0);
+    UErrorCode status = U_ZERO_ERROR;
+    const UDate noon = calendar.getTime(status);
+    return U_SUCCESS(status) ? std::optional<UDate>(noon) : std::nullopt;
+}
+
+// Whole units of `field` from the day of the first date to the day of the
+// second (negative when the second is earlier).
+int unitsBetweenDays(std::string_view zone, Date first, Date second, UCalendarDateFields field) {
     icu::Calendar* calendar = calendars.get(zone);
-    if (calendar == nullptr || !setTo(*calendar, first)) {
+    if (calendar == nullptr) {
+        return 0;
+    }
+    const std::optional<UDate> to = noonOf(*calendar, second);
+    const std::optional<UDate> from = noonOf(*calendar, first);
+    if (!from || !to) {
         return 0;
     }
     UErrorCode status = U_ZERO_ERROR;
-    const int count = calendar->fieldDifference(toUDate(second), field, status);
+    calendar->setTime(*from, status);
+    const int count = calendar->fieldDifference(*to, field, status);
     return U_SUCCESS(status) ? count : 0;
 }
 }  // namespace
 
 int Dates::getDays(Date from, Date to) const {
-    return unitsBetween(clock_->timeZoneId(), noTime(from), noTime(to), UCAL_DATE);
+    return unitsBetweenDays(clock_->timeZoneId(), from, to, UCAL_DATE);
 }
 
 int Dates::getMonths(Date from, Date to) const {
-    return unitsBetween(clock_->timeZoneId(), noTime(from), noTime(to), UCAL_MONTH);
+    return unitsBetweenDays(clock_->timeZoneId(), from, to, UCAL_MONTH);
 }
 
 namespace {

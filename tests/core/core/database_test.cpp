@@ -121,6 +121,19 @@ TEST_F(DatabaseStoreTest, MovesADatabaseFromAnOldHomeAndKeepsItsRows) {
     fs::path kept = store.path();
     kept += ".replaced";
     EXPECT_EQ(countIn(kept, "select count(*) from childdata"), 2);
+
+    // Files in both old homes: each displaced file is kept under a name of
+    // its own, and a pending journal travels with its database.
+    fs::copy_file(store.path(), folders.path(platform::SystemFolder::Library) / "child.sqlite");
+    fs::copy_file(kept, documents / "child.sqlite");
+    std::ofstream(documents / "child.sqlite-journal") << "journal";
+    EXPECT_FALSE(store.fromOldVersionNewRestore());
+    EXPECT_TRUE(fs::exists(reserv() / "child.sqlite-journal"));
+    EXPECT_FALSE(fs::exists(documents / "child.sqlite-journal"));
+    EXPECT_TRUE(fs::exists(reserv() / "child.sqlite.replaced-2"));
+    EXPECT_TRUE(fs::exists(reserv() / "child.sqlite.replaced-3"));
+    fs::remove(reserv() / "child.sqlite-journal");
+    EXPECT_EQ(countIn(store.path(), "select count(*) from childdata"), 2);
 }
 
 TEST_F(DatabaseStoreTest, CopiesOncePerDayNamedForYesterday) {
@@ -172,6 +185,32 @@ TEST_F(DatabaseStoreTest, KeepsFiveFilesAndDropsTheOldestCopy) {
     EXPECT_TRUE(reservFiles().contains("250102.sqlite"));
     EXPECT_TRUE(reservFiles().contains("261122.sqlite"));
     EXPECT_TRUE(reservFiles().contains("child.sqlite"));
+}
+
+TEST_F(DatabaseStoreTest, RetriesAFailedCopyAFewTimes) {
+    ASSERT_TRUE(store.fromOldVersionNewRestore());
+    // Something in the way of the copy's file makes it fail.
+    const fs::path blocker = reserv() / "261121.sqlite.part";
+    fs::create_directories(blocker / "inside");
+
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        ASSERT_NE(store.connectToBase(), nullptr);
+        EXPECT_FALSE(fs::exists(reserv() / "261121.sqlite"));
+    }
+    fs::remove_all(blocker);
+    ASSERT_NE(store.connectToBase(), nullptr);
+    EXPECT_EQ(countIn(reserv() / "261121.sqlite", "select count(*) from child"), 1);
+
+    // After three failures the day goes without a copy rather than stall
+    // every operation.
+    clock.advance(24h);
+    fs::create_directories(reserv() / "261122.sqlite.part" / "inside");
+    for (int attempt = 0; attempt < 3; ++attempt) {
+        store.connectToBase();
+    }
+    fs::remove_all(reserv() / "261122.sqlite.part");
+    store.connectToBase();
+    EXPECT_FALSE(fs::exists(reserv() / "261122.sqlite"));
 }
 
 TEST_F(DatabaseStoreTest, NeverCreatesAnEmptyDatabase) {

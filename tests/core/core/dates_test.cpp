@@ -79,6 +79,10 @@ TEST_F(DatesTest, ParsesADayWhoseMidnightIsSkipped) {
     EXPECT_EQ(day(*date), "2026-09-06");
     EXPECT_EQ(day(dates.noTime(*date + 5h)), "2026-09-06");
     EXPECT_EQ(dates.getDays(at("2026-09-05"), at("2026-09-07")), 2);
+    EXPECT_EQ(dates.getDays(at("2026-09-06"), at("2026-09-07")), 1);
+    EXPECT_EQ(dates.getDays(at("2026-09-07"), at("2026-09-06 13:00")), -1);
+    EXPECT_EQ(dates.getMonths(at("2026-09-06"), at("2026-10-06")), 1);
+    EXPECT_EQ(dates.getMonths(at("2026-08-06"), at("2026-09-06")), 1);
 }
 
 TEST_F(DatesTest, MovesByCalendarFields) {
