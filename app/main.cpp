@@ -3,6 +3,7 @@
 //   tilika [--data-dir DIR] [--screenshot FILE.png]
 
 #include <QApplication>
+#include <QMessageBox>
 #include <QPixmap>
 #include <QtGlobal>
 
@@ -110,9 +111,20 @@ int main(int argc, char** argv) {
     tilika::frame::Session session(
         clock, options.dataDir.value_or(tilika::frame::Session::defaultDataDir()),
         tilika::frame::Session::defaultResourceDir());
-    if (!session.start()) {
-        std::cerr << "tilika: cannot create the data folder\n";
-        return 1;
+    switch (session.start()) {
+        case tilika::frame::Session::StartResult::Started:
+            break;
+        case tilika::frame::Session::StartResult::FolderUnavailable:
+            std::cerr << "tilika: cannot create the data folder\n";
+            return 1;
+        case tilika::frame::Session::StartResult::AlreadyRunning:
+            std::cerr << "tilika: the program is already open on this data folder\n";
+            if (!options.screenshot) {
+                QMessageBox::information(nullptr, QStringLiteral("Тилика"),
+                                         QStringLiteral("Тилика уже открыта. Перейдите в "
+                                                        "открытое окно программы."));
+            }
+            return 1;
     }
     if (options.screenshot) {
         if (!saveScreenshot(session.rootWindow(), *options.screenshot)) {

@@ -19,17 +19,27 @@ Session::Session(const platform::Clock& clock, std::filesystem::path dataDir,
 
 Session::~Session() {
     QObject::disconnect(stateConnection_);
+    // The window shows the application's state, so it goes first.
+    shell_.closeRootWindow();
 }
 
-bool Session::start() {
+Session::StartResult Session::start() {
     if (!folders_.createLayout()) {
-        return false;
+        return StartResult::FolderUnavailable;
+    }
+    const auto lockPath = folders_.path(platform::SystemFolder::Library) / "tilika.lock";
+    lock_ = std::make_unique<QLockFile>(QString::fromStdString(lockPath.string()));
+    if (!lock_->tryLock(0)) {
+        lock_.reset();
+        return StartResult::AlreadyRunning;
     }
     application_.didFinishLaunching({});
     stateConnection_ =
         QObject::connect(qGuiApp, &QGuiApplication::applicationStateChanged, qGuiApp,
                          [this](Qt::ApplicationState state) { onApplicationStateChanged(state); });
-    return true;
+    // The window may already have become active while launching.
+    onApplicationStateChanged(QGuiApplication::applicationState());
+    return StartResult::Started;
 }
 
 void Session::onApplicationStateChanged(Qt::ApplicationState state) {

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <QLockFile>
 #include <QMetaObject>
 
 #include <filesystem>
+#include <memory>
 
 #include "core/application.h"
 #include "platform/folders.h"
@@ -26,9 +28,15 @@ public:
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
-    // Lays out the data folder and launches; false when the folder can't be
-    // created, in which case nothing has been started.
-    bool start();
+    enum class StartResult {
+        Started,
+        FolderUnavailable,  // the data folder can't be created
+        AlreadyRunning,     // another Tilika works on the same folder
+    };
+
+    // Lays out the data folder, makes sure no other copy of the program works
+    // on it, and launches. Nothing is started unless the result is Started.
+    StartResult start();
 
     core::Application& application() { return application_; }
     platform::QtShell& shell() { return shell_; }
@@ -44,6 +52,9 @@ private:
     void onApplicationStateChanged(Qt::ApplicationState state);
 
     platform::DataFolders folders_;
+    // Two programs on one folder would overwrite each other's settings and
+    // race for the daily copy.
+    std::unique_ptr<QLockFile> lock_;
     platform::JsonSettingsStore settings_;
     platform::QtShell shell_;
     core::Application application_;

@@ -27,6 +27,7 @@ public:
 
     void setRootFactory(RootFactory factory) { rootFactory_ = std::move(factory); }
     QWidget* rootWindow() const { return root_.get(); }
+    void closeRootWindow() { root_.reset(); }
 
     bool isTablet() const override { return false; }
     ScreenSize screenSize() const override;

@@ -1,5 +1,7 @@
 #include "core/application.h"
 
+#include <cctype>
+
 #include "core/build_info.h"
 #include "core/ids.h"
 #include "core/menu_rows.h"
@@ -23,6 +25,19 @@ constexpr int kPushAlertTag = 2;
 
 bool isOldCloudMode(long long mode) {
     return mode == 2 || mode == 4 || mode == 5;
+}
+
+bool isFileUrl(std::string_view url) {
+    constexpr std::string_view scheme = "file://";
+    if (url.size() < scheme.size()) {
+        return false;
+    }
+    for (std::size_t i = 0; i < scheme.size(); ++i) {
+        if (std::tolower(static_cast<unsigned char>(url[i])) != scheme[i]) {
+            return false;
+        }
+    }
+    return true;
 }
 
 platform::Alert okAlert(std::string title, std::string text, int tag) {
@@ -144,8 +159,8 @@ void Application::fromOldVersionChild1() {
 
     // The very first versions kept the child's birthday and sex in the
     // settings; a new installation has neither and starts from today.
-    const Date birthday = settings_.dateValue("Date").value_or(dates_.now());
-    const long long sex = settings_.intValue("Sex");
+    const Date birthday = settings_.dateValue(keys::legacyBirthday).value_or(dates_.now());
+    const long long sex = settings_.intValue(keys::legacySex);
     SQLite::Database* db = database_.connectToBase();
     if (db == nullptr) {
         return;
@@ -254,7 +269,7 @@ bool Application::openUrl(const std::string& url) {
     if (dropboxHandleOpenUrl(url)) {
         return true;
     }
-    if (url.starts_with("file://")) {
+    if (isFileUrl(url)) {
         state_.pendingFileUrl = url;
         shell_.showAlert(okAlert(
             "Файл к документу",

@@ -2,10 +2,10 @@
 
 #include <SQLiteCpp/Backup.h>
 #include <SQLiteCpp/Exception.h>
-#include <sqlite3.h>
 
 #include <algorithm>
 #include <cctype>
+#include <sqlite3.h>
 #include <system_error>
 #include <vector>
 

@@ -63,6 +63,10 @@ inline constexpr std::string_view noteHelp = "noteHelp";
 inline constexpr std::string_view kormHelp = "kormHelp";
 inline constexpr std::string_view oldVersionPill3 = "OldVersionPill3";
 
+// Where the very first versions kept the child's birthday and sex.
+inline constexpr std::string_view legacyBirthday = "Date";
+inline constexpr std::string_view legacySex = "Sex";
+
 // "version" and the version key: this version has greeted the user.
 inline std::string versionGreeted(std::string_view versionKey) {
     return "version" + std::string(versionKey);

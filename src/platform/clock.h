@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "core/date.h"
@@ -17,12 +18,21 @@ public:
     virtual std::string timeZoneId() const = 0;
 };
 
-// The real clock: system time and the host's zone, looked up on every call
-// so a zone change while the program runs is seen at once.
+// The real clock: system time and the host's zone. Looking the zone up costs
+// a read of the system's configuration, and every date operation asks for
+// it, so the answer is kept for a few seconds; a zone change while the
+// program runs is seen within that time. Safe to use from any thread.
 class SystemClock final : public Clock {
 public:
+    SystemClock();
+    ~SystemClock() override;
+
     core::Date now() const override;
     std::string timeZoneId() const override;
+
+private:
+    struct ZoneCache;
+    std::unique_ptr<ZoneCache> zone_;
 };
 
 // A clock that says what it is told; for tests, benchmarks and replays.

@@ -19,9 +19,14 @@ LogSink& currentSink() {
 }  // namespace
 
 void log(std::string_view line) {
-    std::lock_guard lock(sinkMutex());
-    if (currentSink()) {
-        currentSink()(line);
+    LogSink sink;
+    {
+        std::lock_guard lock(sinkMutex());
+        sink = currentSink();
+    }
+    // Called outside the lock, so a sink may log in turn.
+    if (sink) {
+        sink(line);
     } else {
         std::cerr << line << '\n';
     }

@@ -8,6 +8,7 @@
 #include <system_error>
 #include <unistd.h>
 
+#include "core/files.h"
 #include "core/text.h"
 #include "platform/log.h"
 
@@ -19,6 +20,9 @@ using Json = nlohmann::json;
 // Dates are kept as milliseconds since 1970 under a marker key, so that they
 // can't be mistaken for the plain numbers stored beside them.
 constexpr const char* kDateMarker = "$date";
+
+// Settings are a few kilobytes; anything this large is not a settings file.
+constexpr std::uintmax_t kLargestFile = 16 * 1024 * 1024;
 
 bool writeAll(int fd, const std::string& data) {
     std::size_t written = 0;
@@ -111,7 +115,8 @@ std::string SettingsStore::textValue(std::string_view key) const {
 
 std::optional<core::Date> SettingsStore::dateValue(std::string_view key) const {
     const auto v = value(key);
-    if (!v || !v->is_object() || !v->contains(kDateMarker) || !(*v)[kDateMarker].is_number()) {
+    if (!v || !v->is_object() || !v->contains(kDateMarker) ||
+        !(*v)[kDateMarker].is_number_integer()) {
         return std::nullopt;
     }
     return core::Date(std::chrono::milliseconds((*v)[kDateMarker].get<long long>()));
@@ -131,16 +136,18 @@ JsonSettingsStore::JsonSettingsStore(std::filesystem::path file) : file_(std::mo
     if (!std::filesystem::exists(file_, error)) {
         return;
     }
-    std::ifstream in(file_, std::ios::binary);
-    std::stringstream buffer;
-    buffer << in.rdbuf();
-    Json parsed = Json::parse(buffer.str(), nullptr, false);
+    Json parsed;
+    if (std::filesystem::file_size(file_, error) <= kLargestFile && !error) {
+        std::ifstream in(file_, std::ios::binary);
+        std::stringstream buffer;
+        buffer << in.rdbuf();
+        parsed = Json::parse(buffer.str(), nullptr, false);
+    }
     if (parsed.is_object()) {
         values_ = std::move(parsed);
         return;
     }
-    std::filesystem::path damaged = file_;
-    damaged += ".damaged";
+    const std::filesystem::path damaged = core::freePath(file_, ".damaged");
     std::filesystem::rename(file_, damaged, error);
     log("Settings file was damaged and has been kept as " + damaged.string());
 }

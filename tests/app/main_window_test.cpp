@@ -21,7 +21,7 @@ private slots:
         dir_ = std::make_unique<QTemporaryDir>();
         session_ = std::make_unique<frame::Session>(clock_, dir_->path().toStdString(),
                                                     TILIKA_TEST_RESOURCE_DIR);
-        QVERIFY(session_->start());
+        QCOMPARE(session_->start(), frame::Session::StartResult::Started);
     }
 
     void cleanup() {
@@ -44,6 +44,15 @@ private slots:
         QCOMPARE(list->item(list->count() - 2)->text(),
                  QStringLiteral("Показывать контекстную рекламу"));
         QVERIFY(list->item(list->count() - 1)->text().startsWith(QStringLiteral("Версия ")));
+    }
+
+    void refusesASecondProgramOnTheSameFolder() {
+        frame::Session second(clock_, dir_->path().toStdString(), TILIKA_TEST_RESOURCE_DIR);
+        QCOMPARE(second.start(), frame::Session::StartResult::AlreadyRunning);
+        QVERIFY(second.rootWindow() == nullptr);
+        session_.reset();
+        frame::Session third(clock_, dir_->path().toStdString(), TILIKA_TEST_RESOURCE_DIR);
+        QCOMPARE(third.start(), frame::Session::StartResult::Started);
     }
 
     void drawsLegibleText() {

@@ -286,6 +286,9 @@ TEST_F(ApplicationTest, KeepsAnOpenedFileForTheDocumentScreens) {
 TEST_F(ApplicationTest, ShowsNotificationsThatArrive) {
     std::vector<std::string> logged;
     platform::setLogSink([&](std::string_view line) { logged.emplace_back(line); });
+    struct RestoreLog {
+        ~RestoreLog() { platform::setLogSink({}); }
+    } restoreLog;
     launch();
 
     app.didReceiveLocalNotification("Дать Нурофен");
@@ -312,7 +315,6 @@ TEST_F(ApplicationTest, ShowsNotificationsThatArrive) {
     EXPECT_EQ(app.state().pushToken, "0a1b2c3d");
     app.didFailToRegisterForRemoteNotifications("no network");
     EXPECT_EQ(logged.back(), "Failed to get token, error: no network");
-    platform::setLogSink({});
 }
 
 }  // namespace

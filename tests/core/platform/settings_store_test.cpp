@@ -69,6 +69,13 @@ TEST(JsonSettingsStore, ReadsMissingAndMistypedValuesAsZero) {
     EXPECT_FALSE(settings.dateValue("stamp"));
     EXPECT_EQ(settings.intValue("float"), 2);
     EXPECT_EQ(settings.textValue("stamp"), "5");
+
+    // What a damaged or hostile file may hold where a date should be.
+    for (const auto& odd : {nlohmann::json{{"$date", 1e300}}, nlohmann::json{{"$date", "x"}},
+                            nlohmann::json{{"other", 5}}, nlohmann::json(5)}) {
+        settings.setValue("deactive", odd);
+        EXPECT_FALSE(settings.dateValue("deactive")) << odd.dump();
+    }
 }
 
 TEST(JsonSettingsStore, KeepsADamagedFileAsideAndStartsAfresh) {
@@ -83,6 +90,12 @@ TEST(JsonSettingsStore, KeepsADamagedFileAsideAndStartsAfresh) {
     }
     EXPECT_EQ(readFile(dir.path() / "settings.json.damaged"), "{\"pass\": tru");
     EXPECT_TRUE(JsonSettingsStore(file).contains("pass"));
+
+    // A second damaged file doesn't overwrite the first one kept.
+    std::ofstream(file) << "[1, 2, 3]";
+    EXPECT_FALSE(JsonSettingsStore(file).contains("pass"));
+    EXPECT_EQ(readFile(dir.path() / "settings.json.damaged"), "{\"pass\": tru");
+    EXPECT_EQ(readFile(dir.path() / "settings.json.damaged-2"), "[1, 2, 3]");
 }
 
 TEST(JsonSettingsStore, MarksOneShotEventsDurably) {
