@@ -62,6 +62,19 @@ void BM_DatesFormatCached(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * kDates);
 }
 
+// The same through the real clock, which looks up the device's zone.
+void BM_DatesFormatCachedSystemClock(benchmark::State& state) {
+    const Fixture& f = fixture();
+    const tilika::platform::SystemClock clock;
+    const Dates dates(clock);
+    for (auto _ : state) {
+        for (const Date& day : f.days) {
+            benchmark::DoNotOptimize(dates.dateToString(day, formats::moment));
+        }
+    }
+    state.SetItemsProcessed(state.iterations() * kDates);
+}
+
 void BM_DatesFormatNewFormatterEachCall(benchmark::State& state) {
     const Fixture& f = fixture();
     for (auto _ : state) {
@@ -102,6 +115,7 @@ void BM_DatesParseNewFormatterEachCall(benchmark::State& state) {
 }  // namespace
 
 BENCHMARK(BM_DatesFormatCached)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_DatesFormatCachedSystemClock)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_DatesFormatNewFormatterEachCall)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_DatesParseCached)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_DatesParseNewFormatterEachCall)->Unit(benchmark::kMillisecond);
