@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/image_codec.h"
+
 namespace tilika::diary {
 
 // Editing kinds of catalogue and form rows: how a value is edited, stored
@@ -72,10 +74,10 @@ struct CatalogueRow {
 
     // Form-only keys.
     std::string location;  // "first" or "second": two short fields share a line
-    // A photo row: what the user did with the picture (1 new picture, 2
-    // removed) and the picture itself, as encoded bytes.
+    // A photo row: what the user did with the picture (1 a new picture, 2
+    // removed) and the picture itself.
     int save = 0;
-    std::vector<unsigned char> image;
+    std::optional<platform::Image> image;
 };
 
 // Appends one row with an empty value and reading.

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <filesystem>
+#include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "core/date.h"
@@ -12,6 +15,36 @@ struct Context;
 
 namespace tilika::diary {
 
+// Everything the program keeps about one child besides the diary. Keys that
+// may be absent are optional; `sbirthdate` absent means the profile doesn't
+// exist yet.
+struct SetupRecord {
+    std::string name;
+    std::optional<std::string> sbirthdate;  // "yyyy-MM-dd" as stored
+    core::Date birthdate{};                 // the same day as a date
+    int sex = 0;                            // 0 boy, 1 girl
+    std::string blood;                      // guid of a blood group row
+    std::string allerg;                     // allergens
+    std::string ves = "0";                  // weight at birth, kilograms, as typed
+    std::string rost = "0";                 // height at birth, centimetres, as typed
+    std::optional<std::string> sbirthtime;  // "HH:mm"
+    std::optional<core::Date> birthtime;    // only for a full moment text
+    std::optional<std::string> documents;   // document records as JSON
+    // After a load with a guid always true; false in a record to be saved
+    // means "remove this child".
+    std::optional<bool> active;
+    // Running state while a diary is built.
+    std::optional<bool> isbolezn;
+    std::optional<bool> isdieta;
+};
+
+// Who saves a profile: the profile form keeps the stored allergens, which it
+// has no row for; a record from another device brings its own.
+namespace saveflag {
+inline constexpr int form = 1;
+inline constexpr int cloud = 2;
+}  // namespace saveflag
+
 // A child as the short lists show it.
 struct ProfileListRow {
     std::optional<core::Date> sbirthdate;
@@ -19,13 +52,41 @@ struct ProfileListRow {
     std::string chname;
 };
 
+struct ProfileRow {
+    std::string guid;
+    std::string childguid;
+    std::string childname;
+    std::optional<core::Date> sbirthdate;
+    int sex = 0;
+};
+
 // The children kept on this device.
 class Profiles {
 public:
     explicit Profiles(core::Context& context) : context_(context) {}
 
-    // Children not removed, youngest birthday last.
+    // Fills the defaults of a new child: born today, a boy, blood group
+    // unknown, no allergens, birth height and weight "0".
+    void initSetupStruct(SetupRecord& record) const;
+
+    // The child's record over the defaults; with no guid the defaults only.
+    SetupRecord loadSetupData(std::optional<std::string_view> gid) const;
+
+    void saveSetupData(int flag, SetupRecord& record, std::string_view gid) const;
+    // Inserts a new child, updates one that exists, or, for a record that is
+    // not active, removes the child: the profile is hidden and its portrait
+    // deleted, while the diary rows stay.
+    void saveSetupDataChild(int flag, SetupRecord& record, std::string_view gid) const;
+
+    // Children not removed, in order of birth.
     std::vector<ProfileListRow> profileList() const;
+    std::vector<ProfileRow> loadProfils() const;
+    // Each child's guid to its name, "Без имени" for a name shorter than two
+    // letters.
+    std::map<std::string, std::string> childNames() const;
+
+    // picture/child-<gid>.jpg under Documents.
+    std::filesystem::path portraitPath(std::string_view gid) const;
 
 private:
     core::Context& context_;

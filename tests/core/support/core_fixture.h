@@ -14,8 +14,9 @@
 namespace tilika::test {
 
 // A whole core over a temporary folder: a real database made from the
-// template, a fresh settings file, and a clock fixed at 22 November 2026,
-// 10:00 in Moscow.
+// template, with its first child born today as after the first start, a
+// fresh settings file, and a clock fixed at 22 November 2026, 10:00 in
+// Moscow.
 class CoreFixture : public ::testing::Test {
 protected:
     TempDir dir;
@@ -31,6 +32,7 @@ protected:
         folders.createLayout();
         clock.set(*dates.dateFromString("2026-11-22 10:00"));
         database.fromOldVersionNewRestore();
+        db().exec("update child set sbirthdate='2026-11-22' where chid=1");
     }
 
     // The database, open; fails the test if it can't be.

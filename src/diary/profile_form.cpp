@@ -1,0 +1,170 @@
+#include "diary/profile_form.h"
+
+#include <fstream>
+#include <system_error>
+
+#include "core/context.h"
+#include "core/dates.h"
+#include "core/text.h"
+#include "diary/reference_lists.h"
+#include "platform/image_codec.h"
+#include "platform/log.h"
+
+namespace tilika::diary {
+
+namespace {
+
+constexpr double kPortraitQuality = 1.0;
+
+void addGap(std::vector<CatalogueRow>& rows) {
+    addToNoteInit(rows, "", "-", formtp::gap, 0, "", "", "line", false, false);
+}
+
+// Writes the bytes under a temporary name first, so a crash never leaves a
+// half picture under the real one.
+bool writeFile(const std::filesystem::path& file, const std::vector<std::uint8_t>& bytes) {
+    std::error_code error;
+    std::filesystem::create_directories(file.parent_path(), error);
+    std::filesystem::path partial = file;
+    partial += ".part";
+    {
+        std::ofstream out(partial, std::ios::binary | std::ios::trunc);
+        out.write(reinterpret_cast<const char*>(bytes.data()),
+                  static_cast<std::streamsize>(bytes.size()));
+        if (!out) {
+            std::filesystem::remove(partial, error);
+            return false;
+        }
+    }
+    std::filesystem::rename(partial, file, error);
+    return !error;
+}
+
+std::optional<platform::Image> readPicture(const platform::ImageCodec& images,
+                                           const std::filesystem::path& file) {
+    std::ifstream in(file, std::ios::binary);
+    if (!in) {
+        return std::nullopt;
+    }
+    const std::vector<std::uint8_t> bytes((std::istreambuf_iterator<char>(in)),
+                                          std::istreambuf_iterator<char>());
+    return images.decode(bytes);
+}
+
+}  // namespace
+
+ProfileFormContent ProfileForm::setupDialog(std::optional<std::string_view> gid) const {
+    const Profiles profiles(context_);
+    const core::Dates& dates = context_.dates;
+    ProfileFormContent form;
+    const bool existing = gid.has_value();
+    form.caption = existing ? "Настройки" : "Новая запись";
+    form.parentFlag = existing ? formflag::existingChild : formflag::newChild;
+    if (gid) {
+        form.gid = std::string(*gid);
+    }
+
+    SetupRecord record = profiles.loadSetupData(gid);
+    if (!existing) {
+        // A new child is born now; the time of birth starts empty.
+        record.birthdate = dates.now();
+    }
+
+    auto& rows = form.rows;
+    addToNoteInit(rows, "", "Дата рождения ребенка", formtp::date, 0, "", "Дата рождения ребенка",
+                  "birthdate2", true, false);
+    rows.back().source = dates.dateToString(record.birthdate, core::formats::screenDay);
+    addGap(rows);
+    addToNoteInit(rows, "", "Имя ребенка", formtp::line, 0, "", "", "name", false, false);
+    rows.back().source = record.name;
+    addGap(rows);
+    addToNoteInit(rows, "", "Пол ребенка", formtp::heading, 0, "", "", "", false, false);
+    addToNoteInit(rows, "", "Мальчик|Девочка", formtp::segments, 0, "", "", "sex", false, false);
+    rows.back().source = std::to_string(record.sex);
+    addGap(rows);
+    addToNoteInit(rows, "", "Укажите с каким ростом и весом ребенок родился", formtp::heading, 0,
+                  "", "", "", false, false);
+    addToNoteInit(rows, "", "Рост (см.)", formtp::number, 0, "", "", "rost", false, false);
+    rows.back().location = "first";
+    rows.back().source = record.rost;
+    addToNoteInit(rows, "", "Вес (кг.)", formtp::figures, 0, "", "", "ves", false, false);
+    rows.back().location = "second";
+    rows.back().source = record.ves;
+    addGap(rows);
+    addToNoteInit(rows, "", "Время рождения ребенка", formtp::time, 0, "",
+                  "Время рождения ребенка", "sbirthtime", true, false);
+    rows.back().source = existing ? record.sbirthtime.value_or("") : "";
+    addGap(rows);
+    addToNoteInit(rows, "", "Группа крови", formtp::listPick, cotype::bloodGroups, "Группа крови",
+                  "Укажите группу крови малыша", "blood", false, false);
+    rows.back().source = record.blood;
+    addGap(rows);
+    if (existing) {
+        // The documents row has always carried list number 4; the document
+        // screen takes its types from its own list.
+        addToNoteInit(rows, "",
+                      "Внесите в программу часто используемые документы ребенка (полис "
+                      "медицинского страхования, свидетельство о рождении, медицинскую карту и "
+                      "т.д. - эти документы будут всегда у вас под рукой)",
+                      formtp::documents, 4, "", "", "documents", false, false);
+        rows.back().source = record.documents.value_or("");
+        addGap(rows);
+    }
+    addToNoteInit(rows, "", "", formtp::photo, 0, "", "", "photo", false, false);
+    if (existing) {
+        rows.back().image = readPicture(images_, profiles.portraitPath(*gid));
+        addToNoteInit(rows, "b-orangeB.png", "Удалить учетную запись", formtp::button, 0, "", "",
+                      "remove", false, false);
+    }
+    return form;
+}
+
+SetupRecord ProfileForm::setupArrayToDic(const std::vector<CatalogueRow>& rows,
+                                         std::string_view gid) const {
+    const Profiles profiles(context_);
+    SetupRecord record;
+    if (rows.empty()) {
+        record.active = false;
+        return record;
+    }
+    profiles.initSetupStruct(record);
+    const core::Dates& dates = context_.dates;
+    for (const CatalogueRow& row : rows) {
+        const std::string& field = row.field;
+        if (field == "birthdate2") {
+            if (auto day = dates.dateFromStringFormat(row.source, core::formats::screenDay)) {
+                record.birthdate = *day;
+                record.sbirthdate = dates.dateToString(*day, core::formats::day);
+            }
+        } else if (field == "sex") {
+            record.sex = core::intValue(row.source);
+        } else if (field == "name") {
+            record.name = row.source;
+        } else if (field == "rost") {
+            record.rost = row.source;
+        } else if (field == "ves") {
+            record.ves = row.source;
+        } else if (field == "sbirthtime") {
+            record.sbirthtime = row.source;
+        } else if (field == "blood") {
+            record.blood = row.source;
+        } else if (field == "documents") {
+            record.documents = row.source;
+        } else if (field == "photo") {
+            const auto portrait = profiles.portraitPath(gid);
+            if (row.save == 1 && row.image && !row.image->empty()) {
+                const auto jpeg = images_.encodeJpeg(*row.image, kPortraitQuality);
+                if (jpeg.empty() || !writeFile(portrait, jpeg)) {
+                    platform::log("Could not save the portrait " + portrait.string());
+                }
+            } else if (row.save == 2) {
+                std::error_code error;
+                std::filesystem::remove(portrait, error);
+            }
+        }
+    }
+    record.active = true;
+    return record;
+}
+
+}  // namespace tilika::diary
