@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace tilika::core {
@@ -32,10 +33,11 @@ inline constexpr int documentTypes = 201;
 
 // The `deleted` column of a list row.
 namespace rowstate {
-inline constexpr int user = 0;       // the user's own row; it can be removed
-inline constexpr int removed = 1;    // hidden from its list, still readable
-inline constexpr int protectedRow = 2;  // from here up: sorts first, can't be removed
-inline constexpr int recovery = 4;   // in the illnesses: the child has recovered
+inline constexpr int user = 0;             // the user's own row; it can be removed
+inline constexpr int removed = 1;          // hidden from its list, still readable
+inline constexpr int protectedRow = 2;     // from here up: sorts first, can't be removed
+inline constexpr int ordinaryIllness = 3;  // an illness the user added, not on the card
+inline constexpr int recovery = 4;         // in the illnesses: the child has recovered
 }  // namespace rowstate
 
 // One row of a reference list in memory.
@@ -48,6 +50,85 @@ struct ListRow {
     bool checked = false;
 
     bool operator==(const ListRow&) const = default;
+};
+
+// What a list screen tells the user when a protected row is to be removed.
+inline constexpr std::string_view kDeleteRowTitle = "Удаление строки";
+inline constexpr std::string_view kProtectedRowMessage = "Эту строку удалять нельзя!";
+
+// How a list screen adds a row: each list's form knows one of these.
+enum class AddKind {
+    plain = 1,    // the caption as typed, a row the user may remove
+    illness = 2,  // an illness, protected, with or without a place on the card
+    food = 3,     // a food with its unit of measure
+};
+
+// What the add form of a list screen hands over.
+struct NewListRow {
+    AddKind kind = AddKind::plain;
+    int cotype = 0;
+    std::string name;     // as typed
+    bool onCard = false;  // illnesses: the switch that puts the illness on the card
+    std::string measure;  // foods: the unit picked, one of the meraToRead() names
+
+    static NewListRow plain(int cotype, std::string name) {
+        return {AddKind::plain, cotype, std::move(name), false, {}};
+    }
+    static NewListRow illness(int cotype, std::string name, bool onCard) {
+        return {AddKind::illness, cotype, std::move(name), onCard, {}};
+    }
+    static NewListRow food(int cotype, std::string name, std::string measure) {
+        return {AddKind::food, cotype, std::move(name), false, std::move(measure)};
+    }
+};
+
+// The reference lists and the check marks of the tick-list screens.
+//
+// Without a database every reader gives an empty result and every writer
+// does nothing; a statement that fails is logged and reads the same way.
+class ReferenceLists {
+public:
+    explicit ReferenceLists(core::Context& context) : context_(context) {}
+
+    // Fills `rows` with the list of a cotype, protected rows first and then
+    // by caption; removed rows are left out. Cotype 0 gives every row of
+    // every list, removed ones too, so that old diary values keep their
+    // captions. A row is ticked when its guid is one of the "<tr>"-separated
+    // pieces of `checked`.
+    void loadConstList(std::vector<ListRow>& rows, int cotype, std::string_view checked);
+
+    // Stores a row; without a guid the row gets a fresh one. The guid used,
+    // or nothing when the row couldn't be stored.
+    std::optional<std::string> addConst(int cotype, std::string coname, int deleted,
+                                        std::optional<std::string> coguid = std::nullopt);
+
+    // Removes a user's row. Protected and already removed rows stay as they
+    // are. True when a row was removed.
+    bool deleteConst(std::string_view guid);
+
+    // Stores the rows of `incoming` (from another device) that this device
+    // lacks, under their own guids, in one transaction. Removed rows count as
+    // known; an old numeric id is stored as its kind-2 guid, and a row
+    // without a guid is skipped.
+    void correctConstList(const std::vector<ListRow>& incoming);
+
+    // Adds a row from a list screen, then reloads `rows` with that list,
+    // keeping the ticks they had. The new guid, or nothing when no row was
+    // added: a food with a unit that isn't one of ours, or no database.
+    std::optional<std::string> addFromListScreen(const NewListRow& row, std::vector<ListRow>& rows);
+
+    // Ticks an item of a tick-list screen for a child, or clears the tick.
+    void setCheckData(int seltypeid, std::string_view tagguid, bool check, std::string_view gid);
+    // The guids of the items ticked on a screen for a child.
+    void loadCheckData(std::vector<std::string>& guids, int seltypeid, std::string_view gid);
+
+    // The guid of the illness list's recovery row, which ends an illness;
+    // empty until a load has met it.
+    const std::string& boleznId() const { return boleznId_; }
+
+private:
+    core::Context& context_;
+    std::string boleznId_;
 };
 
 // The row of this guid, or of an old numeric id (a text shorter than 10
@@ -64,5 +145,35 @@ std::string captionText(std::string_view coname);
 // The name of a food unit by its code 1 to 5 ("Миллилитры (мил.)", ...); ""
 // for any other code.
 std::string meraToRead(int code);
+
+// The number a caption's tail holds ("Корь<tr>1" has 1), or nothing when the
+// caption has no tail or the tail isn't a number.
+std::optional<int> captionTail(std::string_view coname);
+
+// An illness that belongs on the child's card.
+bool illnessOnCard(int cotype, std::string_view coname);
+
+// The expressed milk row of the formula list.
+bool isExpressedMilk(int cotype, std::string_view coname);
+
+// The unit of a food of the list of other food, as the argument of
+// meraToRead(); 0 when the row has no unit.
+int foodUnit(int cotype, std::string_view coname);
+
+// Whether the user may remove the row; a list screen says
+// kProtectedRowMessage otherwise.
+bool removable(const ListRow& row);
+
+struct Rgb {
+    double r = 0;
+    double g = 0;
+    double b = 0;
+
+    bool operator==(const Rgb&) const = default;
+};
+
+// The colour a list screen draws a caption in, by its tail; nothing for the
+// screen's normal text colour.
+std::optional<Rgb> captionColour(std::string_view coname, bool darkBackground);
 
 }  // namespace tilika::diary
