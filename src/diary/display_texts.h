@@ -1,0 +1,29 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "diary/reference_lists.h"
+
+// How a stored value reads in the diary, the day editor and the reports. A
+// value that can't be read gives "" (or the part that could be read).
+namespace tilika::diary {
+
+// The captions of the list rows a value names, one a line; rows that are no
+// longer in the list are left out without a trace.
+std::string checkStringToRead(std::string_view value, const std::vector<ListRow>& listDat);
+
+// One line per change of teeth: "Прорезался верхний клык (53)", "Выпал ...".
+std::string toothStringToRead(std::string_view value);
+
+// The kinds of the analyses in a value, joined with ", ".
+std::string analizyStringToRead(std::string_view value, const std::vector<ListRow>& lisdData);
+
+// The body measures that were taken, one a line.
+std::string biosizeStringToRead(std::string_view value);
+
+// One food of a feeding: "Левая грудь: 10 мин.", "Нутрилон 1: 120 мил.".
+std::string kormToString(std::string_view value, const std::vector<ListRow>& list);
+
+}  // namespace tilika::diary
