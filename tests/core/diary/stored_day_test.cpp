@@ -90,8 +90,8 @@ TEST_F(StoredDayTest, EveryKindOfEntryReadsBack) {
     EXPECT_EQ(profiles.childNames().at(lena), "Лена");
 
     const std::map<std::string, std::string> values{
-        {"achive", core::newID2(core::idkind::listRow, 1) + "<tr>" +
-                       core::newID2(core::idkind::listRow, 15)},
+        {"achive",
+         core::newID2(core::idkind::listRow, 1) + "<tr>" + core::newID2(core::idkind::listRow, 15)},
         {"health", "43"},  // an old numeric id still reads
         {"doctor", "Спросить про витамин D"},
         {"priv", "АКДС, вторая"},
@@ -104,8 +104,7 @@ TEST_F(StoredDayTest, EveryKindOfEntryReadsBack) {
         {"alarm", R"([{"time":"12:00","temp":"Дать сироп"}])"},
         {"biosize", R"({"bio1":"45","bio5":"12.5"})"},
         {"tooth", "5<tr>15"},
-        {"analizy", R"([{"tp":"1","captiontype":")" +
-                        core::newID2(core::idkind::seededRow, 33) +
+        {"analizy", R"([{"tp":"1","captiontype":")" + core::newID2(core::idkind::seededRow, 33) +
                         R"(","file":"a-1.jpg","tag":"1"}])"},
         {"sleep", R"([{"start":"13:00","end":"15:00","interval":"02:00"}])"},
         {"walk", R"([{"start":"10:00","end":"11:30","interval":"01:30"}])"},

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <SQLiteCpp/Database.h>
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "core/date.h"
+
+namespace tilika::core {
+class Dates;
+}
+
+namespace tilika::diary {
+
+// The diary's rows: one value per child, day and entry type. Works on a
+// database that is already open, so that a whole day, or a course spread
+// over many days, can be written inside one transaction by its caller. A
+// statement that fails is skipped quietly, as every reader expects.
+class DayRows {
+public:
+    DayRows(SQLite::Database& db, const core::Dates& dates) : db_(db), dates_(dates) {}
+
+    // Writes the value of a type on a day. An empty value writes nothing and
+    // deletes nothing. With `justnew` an existing row is left as it is; with
+    // `withDelete` the existing row is replaced.
+    void insertValue(std::string_view type, std::string_view value, core::Date curdate,
+                     std::string_view gid, bool withDelete, bool justnew);
+    void deleteValue(std::string_view type, core::Date curdate, std::string_view gid);
+    // Every row of the day, or the rows of one type.
+    void deleteDay(core::Date curdate, std::string_view gid);
+
+    // The value of that day and type, "" when there is none.
+    std::string getDateValue(core::Date date, std::string_view type, std::string_view gid);
+    // The latest value strictly before that day, "" when there is none; the
+    // day it was found on is kept for getLastValueDate().
+    std::string getLastDateValue(core::Date date, std::string_view type, std::string_view gid);
+    std::optional<core::Date> getLastValueDate() const { return lastValueDate_; }
+
+private:
+    SQLite::Database& db_;
+    const core::Dates& dates_;
+    std::optional<core::Date> lastValueDate_;
+};
+
+}  // namespace tilika::diary
