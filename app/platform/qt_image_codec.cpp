@@ -1,6 +1,7 @@
 #include "platform/qt_image_codec.h"
 
 #include <QBuffer>
+#include <QPainter>
 
 #include <algorithm>
 #include <cmath>
@@ -48,8 +49,8 @@ Image QtImageCodec::scaled(const Image& image, int maxWidth, int maxHeight) cons
     if (source.isNull() || maxWidth <= 0 || maxHeight <= 0) {
         return {};
     }
-    return fromQImage(source.scaled(maxWidth, maxHeight, Qt::KeepAspectRatio,
-                                    Qt::SmoothTransformation));
+    return fromQImage(
+        source.scaled(maxWidth, maxHeight, Qt::KeepAspectRatio, Qt::SmoothTransformation));
 }
 
 std::vector<std::uint8_t> QtImageCodec::encodeJpeg(const Image& image, double quality) const {
@@ -61,7 +62,15 @@ std::vector<std::uint8_t> QtImageCodec::encodeJpeg(const Image& image, double qu
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::WriteOnly);
     const int percent = static_cast<int>(std::lround(std::clamp(quality, 0.0, 1.0) * 100));
-    if (!source.convertToFormat(QImage::Format_RGB888).save(&buffer, "JPG", percent)) {
+    // JPEG has no transparency: clear parts of a picture become white, as on
+    // paper, rather than black.
+    QImage flat(source.size(), QImage::Format_RGB888);
+    flat.fill(Qt::white);
+    {
+        QPainter painter(&flat);
+        painter.drawImage(0, 0, source);
+    }
+    if (!flat.save(&buffer, "JPG", percent)) {
         return {};
     }
     return {bytes.begin(), bytes.end()};

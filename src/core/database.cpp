@@ -231,6 +231,30 @@ bool DatabaseStore::testBaseFile() const {
     }
 }
 
+WriteTransaction::WriteTransaction(SQLite::Database& db) : db_(db) {
+    if (sqlite3_get_autocommit(db_.getHandle()) != 0) {
+        db_.exec("BEGIN");
+        owner_ = true;
+    }
+}
+
+WriteTransaction::~WriteTransaction() {
+    if (owner_ && !done_) {
+        try {
+            db_.exec("ROLLBACK");
+        } catch (const SQLite::Exception& e) {
+            platform::log(std::string("Rollback failed: ") + e.what());
+        }
+    }
+}
+
+void WriteTransaction::commit() {
+    if (owner_ && !done_) {
+        db_.exec("COMMIT");
+    }
+    done_ = true;
+}
+
 std::optional<std::string> stringFromBase(const SQLite::Statement& statement, int column) {
     const SQLite::Column value = statement.getColumn(column);
     if (value.isNull()) {

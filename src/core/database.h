@@ -95,6 +95,24 @@ bool runGuarded(std::string_view what, Operation&& operation) noexcept {
     }
 }
 
+// One user action's writes as one transaction: they all land, or none do.
+// Inside a transaction the caller already holds, it joins that one instead,
+// so an operation that is whole by itself can also be part of a larger one.
+class WriteTransaction {
+public:
+    explicit WriteTransaction(SQLite::Database& db);
+    ~WriteTransaction();
+    WriteTransaction(const WriteTransaction&) = delete;
+    WriteTransaction& operator=(const WriteTransaction&) = delete;
+
+    void commit();
+
+private:
+    SQLite::Database& db_;
+    bool owner_ = false;
+    bool done_ = false;
+};
+
 // Reading and binding columns in the stored forms.
 std::optional<std::string> stringFromBase(const SQLite::Statement& statement, int column);
 // A day "yyyy-MM-dd", or with `time` a moment "yyyy-MM-dd HH:mm:ss"; NULL or

@@ -18,6 +18,12 @@ fs::path freePath(const fs::path& path, std::string_view suffix) {
     return candidate;
 }
 
+bool isPlainFileName(std::string_view name) {
+    return !name.empty() && name != "." && name != ".." &&
+           name.find_first_of("/\\") == std::string_view::npos &&
+           name.find('\0') == std::string_view::npos;
+}
+
 bool moveReplacing(const fs::path& from, const fs::path& to) {
     std::error_code error;
     fs::rename(from, to, error);

@@ -1,5 +1,7 @@
 #include "diary/catalogue.h"
 
+#include <utility>
+
 namespace tilika::diary {
 
 namespace {
@@ -88,6 +90,8 @@ void initTodayNoteStruct(std::vector<CatalogueRow>& rows) {
     }
 }
 
-void initNoteStruct(DayFlags& flags) { flags = DayFlags{}; }
+void initNoteStruct(DayFlags& flags) {
+    flags = DayFlags{};
+}
 
 }  // namespace tilika::diary

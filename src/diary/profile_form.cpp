@@ -15,9 +15,12 @@ namespace tilika::diary {
 namespace {
 
 constexpr double kPortraitQuality = 1.0;
+// A portrait is a photo from a phone or a camera; a file far larger than any
+// of those is not read into memory.
+constexpr std::uintmax_t kLargestPicture = 64 * 1024 * 1024;
 
-void addGap(std::vector<CatalogueRow>& rows) {
-    addToNoteInit(rows, "", "-", formtp::gap, 0, "", "", "line", false, false);
+void addSeparator(std::vector<CatalogueRow>& rows) {
+    addToNoteInit(rows, "", "-", formtp::separator, 0, "", "", "line", false, false);
 }
 
 // Writes the bytes under a temporary name first, so a crash never leaves a
@@ -42,6 +45,10 @@ bool writeFile(const std::filesystem::path& file, const std::vector<std::uint8_t
 
 std::optional<platform::Image> readPicture(const platform::ImageCodec& images,
                                            const std::filesystem::path& file) {
+    std::error_code error;
+    if (file.empty() || std::filesystem::file_size(file, error) > kLargestPicture || error) {
+        return std::nullopt;
+    }
     std::ifstream in(file, std::ios::binary);
     if (!in) {
         return std::nullopt;
@@ -74,31 +81,31 @@ ProfileFormContent ProfileForm::setupDialog(std::optional<std::string_view> gid)
     addToNoteInit(rows, "", "Дата рождения ребенка", formtp::date, 0, "", "Дата рождения ребенка",
                   "birthdate2", true, false);
     rows.back().source = dates.dateToString(record.birthdate, core::formats::screenDay);
-    addGap(rows);
-    addToNoteInit(rows, "", "Имя ребенка", formtp::line, 0, "", "", "name", false, false);
+    addSeparator(rows);
+    addToNoteInit(rows, "", "Имя ребенка", formtp::textLine, 0, "", "", "name", false, false);
     rows.back().source = record.name;
-    addGap(rows);
+    addSeparator(rows);
     addToNoteInit(rows, "", "Пол ребенка", formtp::heading, 0, "", "", "", false, false);
     addToNoteInit(rows, "", "Мальчик|Девочка", formtp::segments, 0, "", "", "sex", false, false);
     rows.back().source = std::to_string(record.sex);
-    addGap(rows);
+    addSeparator(rows);
     addToNoteInit(rows, "", "Укажите с каким ростом и весом ребенок родился", formtp::heading, 0,
                   "", "", "", false, false);
     addToNoteInit(rows, "", "Рост (см.)", formtp::number, 0, "", "", "rost", false, false);
     rows.back().location = "first";
-    rows.back().source = record.rost;
+    rows.back().source = existing ? record.rost : "";
     addToNoteInit(rows, "", "Вес (кг.)", formtp::figures, 0, "", "", "ves", false, false);
     rows.back().location = "second";
-    rows.back().source = record.ves;
-    addGap(rows);
-    addToNoteInit(rows, "", "Время рождения ребенка", formtp::time, 0, "",
-                  "Время рождения ребенка", "sbirthtime", true, false);
+    rows.back().source = existing ? record.ves : "";
+    addSeparator(rows);
+    addToNoteInit(rows, "", "Время рождения ребенка", formtp::time, 0, "", "Время рождения ребенка",
+                  "sbirthtime", true, false);
     rows.back().source = existing ? record.sbirthtime.value_or("") : "";
-    addGap(rows);
+    addSeparator(rows);
     addToNoteInit(rows, "", "Группа крови", formtp::listPick, cotype::bloodGroups, "Группа крови",
                   "Укажите группу крови малыша", "blood", false, false);
     rows.back().source = record.blood;
-    addGap(rows);
+    addSeparator(rows);
     if (existing) {
         // The documents row has always carried list number 4; the document
         // screen takes its types from its own list.
@@ -108,7 +115,7 @@ ProfileFormContent ProfileForm::setupDialog(std::optional<std::string_view> gid)
                       "т.д. - эти документы будут всегда у вас под рукой)",
                       formtp::documents, 4, "", "", "documents", false, false);
         rows.back().source = record.documents.value_or("");
-        addGap(rows);
+        addSeparator(rows);
     }
     addToNoteInit(rows, "", "", formtp::photo, 0, "", "", "photo", false, false);
     if (existing) {
@@ -152,6 +159,9 @@ SetupRecord ProfileForm::setupArrayToDic(const std::vector<CatalogueRow>& rows,
             record.documents = row.source;
         } else if (field == "photo") {
             const auto portrait = profiles.portraitPath(gid);
+            if (portrait.empty()) {
+                continue;
+            }
             if (row.save == 1 && row.image && !row.image->empty()) {
                 const auto jpeg = images_.encodeJpeg(*row.image, kPortraitQuality);
                 if (jpeg.empty() || !writeFile(portrait, jpeg)) {

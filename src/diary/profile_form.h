@@ -19,11 +19,11 @@ namespace tilika::diary {
 
 // Form row kinds the profile form uses.
 namespace formtp {
-inline constexpr int gap = 1001;
+inline constexpr int separator = 1001;
 inline constexpr int heading = 1002;
 inline constexpr int date = 1003;
 inline constexpr int time = 1004;
-inline constexpr int line = 1006;
+inline constexpr int textLine = 1006;
 inline constexpr int number = 1007;
 inline constexpr int segments = 1009;
 inline constexpr int photo = 1010;

@@ -5,6 +5,7 @@
 #include "core/context.h"
 #include "core/database.h"
 #include "core/dates.h"
+#include "core/files.h"
 #include "core/ids.h"
 #include "platform/folders.h"
 
@@ -70,8 +71,9 @@ SetupRecord Profiles::loadSetupData(std::optional<std::string_view> gid) const {
             record.name = core::stringFromBase(query, 0).value_or("");
             record.sbirthdate = core::stringFromBase(query, 1);
             if (record.sbirthdate) {
-                record.birthdate = dates.dateFromStringFormat(*record.sbirthdate, core::formats::day)
-                                       .value_or(record.birthdate);
+                record.birthdate =
+                    dates.dateFromStringFormat(*record.sbirthdate, core::formats::day)
+                        .value_or(record.birthdate);
             }
             record.sex = query.getColumn(2).getInt();
             record.blood = core::stringFromBase(query, 3).value_or(record.blood);
@@ -90,12 +92,12 @@ SetupRecord Profiles::loadSetupData(std::optional<std::string_view> gid) const {
     return record;
 }
 
-void Profiles::saveSetupData(int flag, SetupRecord& record, std::string_view gid) const {
+void Profiles::saveSetupData(int flag, SetupRecord record, std::string_view gid) {
     // Other editions keep their profiles elsewhere; this one has children.
-    saveSetupDataChild(flag, record, gid);
+    saveSetupDataChild(flag, std::move(record), gid);
 }
 
-void Profiles::saveSetupDataChild(int flag, SetupRecord& record, std::string_view gid) const {
+void Profiles::saveSetupDataChild(int flag, SetupRecord record, std::string_view gid) {
     const SetupRecord stored = loadSetupData(gid);
     if (flag == saveflag::form) {
         record.allerg = stored.allerg;
@@ -104,18 +106,26 @@ void Profiles::saveSetupDataChild(int flag, SetupRecord& record, std::string_vie
     if (db == nullptr) {
         return;
     }
+    // A row may exist without a birth date (the first profile before the
+    // first start, or one from an old version): it is updated all the same,
+    // never doubled.
+    bool exists = false;
+    core::runGuarded("findProfile", [&] {
+        SQLite::Statement find(*db, "select count(*) from child where childguid=?");
+        find.bind(1, std::string(gid));
+        exists = find.executeStep() && find.getColumn(0).getInt() > 0;
+    });
 
     if (record.active.value_or(false)) {
-        const std::string sbirthdate = record.sbirthdate.value_or(
-            context_.dates.dateToString(record.birthdate, core::formats::day));
+        const std::string sbirthdate = record.sbirthdate.value_or(stored.sbirthdate.value_or(
+            context_.dates.dateToString(record.birthdate, core::formats::day)));
         core::runGuarded("saveSetupData", [&] {
             SQLite::Statement save(
-                *db, stored.sbirthdate
-                         ? "update child set chname=?, sbirthdate=?, sex=?, blood=?, ves=?, "
-                           "rost=?, sbirthtime=?, allergen=?, documents=? where childguid=?"
-                         : "insert into child (chname, sbirthdate, sex, blood, ves, rost, "
-                           "sbirthtime, allergen, documents, childguid) "
-                           "values (?,?,?,?,?,?,?,?,?,?)");
+                *db, exists ? "update child set chname=?, sbirthdate=?, sex=?, blood=?, ves=?, "
+                              "rost=?, sbirthtime=?, allergen=?, documents=? where childguid=?"
+                            : "insert into child (chname, sbirthdate, sex, blood, ves, rost, "
+                              "sbirthtime, allergen, documents, childguid) "
+                              "values (?,?,?,?,?,?,?,?,?,?)");
             save.bind(1, record.name);
             save.bind(2, sbirthdate);
             save.bind(3, record.sex);
@@ -135,14 +145,16 @@ void Profiles::saveSetupDataChild(int flag, SetupRecord& record, std::string_vie
         return;
     }
 
-    if (stored.sbirthdate) {
+    if (exists) {
         core::runGuarded("removeProfile", [&] {
             SQLite::Statement remove(*db, "update child set deleted=1 where childguid=?");
             remove.bind(1, std::string(gid));
             remove.exec();
         });
         std::error_code error;
-        std::filesystem::remove(portraitPath(gid), error);
+        if (const auto portrait = portraitPath(gid); !portrait.empty()) {
+            std::filesystem::remove(portrait, error);
+        }
     }
 }
 
@@ -187,6 +199,9 @@ std::map<std::string, std::string> Profiles::childNames() const {
 }
 
 std::filesystem::path Profiles::portraitPath(std::string_view gid) const {
+    if (!core::isPlainFileName(gid)) {
+        return {};
+    }
     return context_.folders.path(platform::SystemFolder::Document) / "picture" /
            ("child-" + std::string(gid) + ".jpg");
 }

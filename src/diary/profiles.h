@@ -72,11 +72,12 @@ public:
     // The child's record over the defaults; with no guid the defaults only.
     SetupRecord loadSetupData(std::optional<std::string_view> gid) const;
 
-    void saveSetupData(int flag, SetupRecord& record, std::string_view gid) const;
+    void saveSetupData(int flag, SetupRecord record, std::string_view gid);
     // Inserts a new child, updates one that exists, or, for a record that is
     // not active, removes the child: the profile is hidden and its portrait
-    // deleted, while the diary rows stay.
-    void saveSetupDataChild(int flag, SetupRecord& record, std::string_view gid) const;
+    // deleted, while the diary rows stay. A record without a readable birth
+    // date keeps the stored one.
+    void saveSetupDataChild(int flag, SetupRecord record, std::string_view gid);
 
     // Children not removed, in order of birth.
     std::vector<ProfileListRow> profileList() const;
@@ -85,7 +86,8 @@ public:
     // letters.
     std::map<std::string, std::string> childNames() const;
 
-    // picture/child-<gid>.jpg under Documents.
+    // picture/child-<gid>.jpg under Documents; empty for a guid that could
+    // name a place outside that folder.
     std::filesystem::path portraitPath(std::string_view gid) const;
 
 private:

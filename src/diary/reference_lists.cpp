@@ -2,7 +2,6 @@
 
 #include <SQLiteCpp/Database.h>
 #include <SQLiteCpp/Statement.h>
-#include <SQLiteCpp/Transaction.h>
 
 #include <algorithm>
 #include <array>
@@ -171,7 +170,7 @@ void ReferenceLists::correctConstList(const std::vector<ListRow>& incoming) {
         return;
     }
     core::runGuarded("correctConstList", [&] {
-        SQLite::Transaction transaction(*db);
+        core::WriteTransaction transaction(*db);
         std::vector<ListRow> known = readList(*db, cotype::all, {}, boleznId_);
         for (const ListRow& row : incoming) {
             // A row without a guid would come back as a new row at every
@@ -216,7 +215,7 @@ void ReferenceLists::setCheckData(int seltypeid, std::string_view tagguid, bool 
     }
     core::runGuarded("setCheckData", [&] {
         // Clearing first keeps one row per tick however often it is set.
-        SQLite::Transaction transaction(*db);
+        core::WriteTransaction transaction(*db);
         SQLite::Statement remove(
             *db, "delete from childselect where seltypeid=? and tagguid=? and childguid=?");
         remove.bind(1, seltypeid);

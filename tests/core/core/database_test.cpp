@@ -253,6 +253,27 @@ TEST_F(DatabaseStoreTest, ReadsAndBindsStoredForms) {
     EXPECT_EQ(dateFromBase(dates, select, 1, true), std::nullopt);
 }
 
+TEST_F(DatabaseStoreTest, WritesOfOneActionLandTogether) {
+    ASSERT_TRUE(store.fromOldVersionNewRestore());
+    SQLite::Database& db = *store.connectToBase();
+    {
+        WriteTransaction outer(db);
+        addNote("kept");
+        {
+            // An inner whole joins the outer one instead of failing.
+            WriteTransaction inner(db);
+            addNote("inner");
+            inner.commit();
+        }
+        outer.commit();
+    }
+    {
+        WriteTransaction abandoned(db);
+        addNote("lost");
+    }
+    EXPECT_EQ(count(db, "select count(*) from childdata"), 2);
+}
+
 TEST_F(DatabaseStoreTest, QuietlyEndsAFailedStatement) {
     ASSERT_TRUE(store.fromOldVersionNewRestore());
     SQLite::Database* db = store.connectToBase();

@@ -108,8 +108,10 @@ TEST_F(ProfilesTest, SavingFromTheFormKeepsTheAllergens) {
 
 TEST_F(ProfilesTest, RemovalHidesTheChildButKeepsTheDiary) {
     const std::string gid = core::newID2(core::idkind::profile, 1);
-    db().exec("insert into childdata (type, value, sdat, childguid) values ('note', 'Первый день', "
-              "'2026-11-22', '" + gid + "')");
+    db().exec(
+        "insert into childdata (type, value, sdat, childguid) values ('note', 'Первый день', "
+        "'2026-11-22', '" +
+        gid + "')");
     fs::create_directories(profiles.portraitPath(gid).parent_path());
     std::ofstream(profiles.portraitPath(gid)) << "PIC 4x4";
 
@@ -129,13 +131,24 @@ TEST_F(ProfilesTest, RemovalHidesTheChildButKeepsTheDiary) {
     EXPECT_EQ(queryText("select count(*) from child"), "1");
 }
 
+TEST_F(ProfilesTest, SavingAChildWithoutABirthDateNeverDoublesIt) {
+    const std::string first = core::newID2(core::idkind::profile, 1);
+    db().exec("update child set sbirthdate=NULL where chid=1");
+    saveFromForm(first, first, {{"name", "Оля"}, {"birthdate2", "31.02.2024"}});
+    saveFromForm(first, first, {{"name", "Оля"}});
+    EXPECT_EQ(queryText("select count(*) from child where childguid='" + first + "'"), "1");
+    EXPECT_EQ(profiles.loadSetupData(first).name, "Оля");
+
+    // A date that can't be read keeps the stored one.
+    saveFromForm(first, first, {{"birthdate2", "01.06.2025"}});
+    saveFromForm(first, first, {{"birthdate2", "31.02.2024"}});
+    EXPECT_EQ(profiles.loadSetupData(first).sbirthdate, "2025-06-01");
+}
+
 TEST_F(ProfilesTest, NamesShorterThanTwoLettersReadAsNameless) {
     const std::string first = core::newID2(core::idkind::profile, 1);
-    for (const auto& [name, shown] :
-         std::vector<std::pair<std::string, std::string>>{{"Я", "Без имени"},
-                                                          {"", "Без имени"},
-                                                          {"Ян", "Ян"},
-                                                          {"Z", "Без имени"}}) {
+    for (const auto& [name, shown] : std::vector<std::pair<std::string, std::string>>{
+             {"Я", "Без имени"}, {"", "Без имени"}, {"Ян", "Ян"}, {"Z", "Без имени"}}) {
         saveFromForm(first, first, {{"name", name}});
         EXPECT_EQ(profiles.childNames().at(first), shown) << name;
     }
@@ -198,6 +211,14 @@ TEST_F(ProfilesTest, ThePhotoRowWritesOrDeletesThePortrait) {
     photo.save = 2;
     form.setupArrayToDic(content.rows, gid);
     EXPECT_FALSE(fs::exists(profiles.portraitPath(gid)));
+
+    // A guid from elsewhere never leads out of the pictures folder.
+    photo.save = 1;
+    photo.image = test::FakeImageCodec::blank(2, 2);
+    form.setupArrayToDic(content.rows, "../../escape");
+    EXPECT_TRUE(profiles.portraitPath("../../escape").empty());
+    EXPECT_FALSE(fs::exists(folders.path(platform::SystemFolder::Document) / "escape.jpg"));
+    EXPECT_FALSE(fs::exists(dir.path() / "child-...jpg"));
 }
 
 TEST_F(ProfilesTest, ReadsNothingWithoutADatabase) {
