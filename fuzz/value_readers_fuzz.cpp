@@ -10,11 +10,13 @@
 #include <string_view>
 #include <vector>
 
+#include "core/dates.h"
 #include "core/ids.h"
 #include "core/text.h"
 #include "diary/display_texts.h"
 #include "diary/old_values.h"
 #include "diary/value_codecs.h"
+#include "platform/clock.h"
 
 namespace {
 
@@ -23,6 +25,12 @@ using tilika::diary::CatalogueRow;
 using tilika::diary::ListRow;
 using tilika::diary::MultiRow;
 namespace tp = tilika::diary::tp;
+
+const tilika::core::Dates& dates() {
+    static const tilika::platform::ManualClock clock{tilika::core::Date{}, "Europe/Moscow"};
+    static const tilika::core::Dates shared{clock};
+    return shared;
+}
 
 void require(bool ok) {
     if (!ok) {
@@ -105,7 +113,8 @@ void readMulti(std::string_view text) {
         require(written.is_array() && written.size() == rows.size());
     }
     for (int kind : kRecordKinds) {
-        const std::vector<MultiRow> records = multi2FromString(text, list(), kind, std::nullopt);
+        const std::vector<MultiRow> records =
+            multi2FromString(text, list(), kind, std::nullopt, dates());
         // A medication value from before JSON gives a row of text alone.
         const auto withSource =
             std::count_if(records.begin(), records.end(),

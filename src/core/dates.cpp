@@ -321,21 +321,33 @@ int Dates::lastDateOfMonth(Date date) const {
     return U_SUCCESS(status) ? last : 0;
 }
 
-std::string Dates::monthAge(Date start, Date end, bool noempty, bool nodays) const {
+std::optional<DateDifference> Dates::difference(Date start, Date end) const {
     icu::Calendar* calendar = calendars.get(clock_->timeZoneId());
     if (calendar == nullptr || !setTo(*calendar, start)) {
-        return {};
+        return std::nullopt;
     }
     // fieldDifference walks the calendar forward field by field, which gives
     // years, then the months left, then the days left.
     UErrorCode status = U_ZERO_ERROR;
     const UDate target = toUDate(end);
-    const int years = calendar->fieldDifference(target, UCAL_YEAR, status);
-    const int months = calendar->fieldDifference(target, UCAL_MONTH, status);
-    const int days = calendar->fieldDifference(target, UCAL_DATE, status);
+    DateDifference difference;
+    difference.years = calendar->fieldDifference(target, UCAL_YEAR, status);
+    difference.months = calendar->fieldDifference(target, UCAL_MONTH, status);
+    difference.days = calendar->fieldDifference(target, UCAL_DATE, status);
     if (U_FAILURE(status)) {
+        return std::nullopt;
+    }
+    return difference;
+}
+
+std::string Dates::monthAge(Date start, Date end, bool noempty, bool nodays) const {
+    const std::optional<DateDifference> age = difference(start, end);
+    if (!age) {
         return {};
     }
+    const int years = age->years;
+    const int months = age->months;
+    const int days = age->days;
 
     std::string phrase;
     if (years >= 1) {

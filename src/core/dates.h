@@ -35,6 +35,14 @@ struct DateParts {
     int weekOfYear = 0;
 };
 
+// Whole years, then the months and days left over, from one date to another;
+// all negative when the second date is earlier.
+struct DateDifference {
+    int years = 0;
+    int months = 0;
+    int days = 0;
+};
+
 // Every date, day and age in the program passes through here: the Gregorian
 // calendar and Unicode date patterns in the Russian locale and the zone the
 // clock reports at the moment of the call. Formatters and calendars are
@@ -78,6 +86,9 @@ public:
     Date addYears(Date date, int years) const;
 
     int lastDateOfMonth(Date date) const;
+
+    // The dates are taken as they are, times of day included.
+    std::optional<DateDifference> difference(Date start, Date end) const;
 
     // Age as a phrase: "1 год, 2 месяца и 3 дня". With `noempty` a zero age
     // reads "Только что родился"; with `nodays` the days are left out.

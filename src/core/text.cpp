@@ -1,6 +1,7 @@
 #include "core/text.h"
 
 #include <charconv>
+#include <cmath>
 #include <limits>
 
 namespace tilika::core {
@@ -62,6 +63,19 @@ double floatValue(std::string_view text) {
                                    : std::numeric_limits<double>::max();
     }
     return result.ec == std::errc() ? value : 0.0;
+}
+
+std::string formatFixed(double value, int decimals) {
+    if (!std::isfinite(value)) {
+        return "0";
+    }
+    char buffer[512];  // room for the longest double in fixed notation
+    const auto result =
+        std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed, decimals);
+    if (result.ec != std::errc()) {
+        return "0";
+    }
+    return std::string(buffer, result.ptr);
 }
 
 std::vector<std::string> split(std::string_view text, std::string_view separator) {

@@ -13,6 +13,10 @@ namespace tilika::core {
 int intValue(std::string_view text);
 double floatValue(std::string_view text);
 
+// A number with a fixed count of decimals and a point, whatever the C locale:
+// formatFixed(3.5, 3) is "3.500".
+std::string formatFixed(double value, int decimals);
+
 // Splits at every occurrence of the separator; an empty text gives one empty
 // piece, as stored delimited values expect.
 std::vector<std::string> split(std::string_view text, std::string_view separator);

@@ -11,29 +11,29 @@ namespace tilika::diary {
 // Editing kinds of catalogue and form rows: how a value is edited, stored
 // and shown.
 namespace tp {
-inline constexpr int checkList = 1;       // several items of a reference list
-inline constexpr int pickOne = 2;         // one item of a list
-inline constexpr int text = 3;            // free text
-inline constexpr int timedRows = 4;       // rows of time and text (temperature)
-inline constexpr int reminders = 5;       // rows of time and reminder text
-inline constexpr int centimetres = 6;     // a number on a slider
-inline constexpr int kilograms = 7;       // a number on a slider
-inline constexpr int pickFromList = 8;    // one item of a reference list (illness)
-inline constexpr int bodyMeasures = 9;    // five body measures
-inline constexpr int teeth = 13;          // change of teeth
-inline constexpr int womanDay = 14;       // day type, woman edition
-inline constexpr int ultrasound = 15;     // height and weight from an ultrasound
-inline constexpr int birthResult = 16;    // birth summary
-inline constexpr int popupList = 17;      // one item of a list, by popup
-inline constexpr int medication = 23;     // medication courses
-inline constexpr int popupText = 24;      // plain text in a popup
-inline constexpr int diet = 25;           // diet state
-inline constexpr int analyses = 26;       // analysis records
-inline constexpr int popupText2 = 28;     // plain text in a popup
-inline constexpr int periods = 29;        // periods with start and end (sleep, walk)
-inline constexpr int pressure = 30;       // pressure measures
-inline constexpr int fluids = 31;         // fluid balance
-inline constexpr int photo = 100;         // the day's photo
+inline constexpr int checkList = 1;     // several items of a reference list
+inline constexpr int pickOne = 2;       // one item of a list
+inline constexpr int text = 3;          // free text
+inline constexpr int timedRows = 4;     // rows of time and text (temperature)
+inline constexpr int reminders = 5;     // rows of time and reminder text
+inline constexpr int centimetres = 6;   // a number on a slider
+inline constexpr int kilograms = 7;     // a number on a slider
+inline constexpr int pickFromList = 8;  // one item of a reference list (illness)
+inline constexpr int bodyMeasures = 9;  // five body measures
+inline constexpr int teeth = 13;        // change of teeth
+inline constexpr int womanDay = 14;     // day type, woman edition
+inline constexpr int ultrasound = 15;   // height and weight from an ultrasound
+inline constexpr int birthResult = 16;  // birth summary
+inline constexpr int popupList = 17;    // one item of a list, by popup
+inline constexpr int medication = 23;   // medication courses
+inline constexpr int popupText = 24;    // plain text in a popup
+inline constexpr int diet = 25;         // diet state
+inline constexpr int analyses = 26;     // analysis records
+inline constexpr int popupText2 = 28;   // plain text in a popup
+inline constexpr int periods = 29;      // periods with start and end (sleep, walk)
+inline constexpr int pressure = 30;     // pressure measures
+inline constexpr int fluids = 31;       // fluid balance
+inline constexpr int photo = 100;       // the day's photo
 inline constexpr int medicationLength = 106;
 inline constexpr int medicationDose = 107;
 inline constexpr int medicationPeriod = 108;
@@ -71,6 +71,11 @@ struct CatalogueRow {
     std::optional<std::string> oldsource;
     std::vector<MultiRow> multiarray;
     std::optional<bool> active;  // height and weight: the value is above zero
+
+    // The photo row of a day.
+    bool isphoto = false;
+    std::string photopath;
+    bool changephoto = false;
 
     // Form-only keys.
     std::string location;  // "first" or "second": two short fields share a line

@@ -5,6 +5,7 @@
 
 #include "core/text.h"
 #include "core/words.h"
+#include "medication/regimen_texts.h"
 
 namespace tilika::diary {
 namespace {
@@ -114,15 +115,6 @@ std::string withComment(std::string text, const json& record) {
         text += " - " + comment;
     }
     return text;
-}
-
-// Stands in for the reading of a medication course until the courses
-// themselves are in place: for now a course reads as its medicine alone. The
-// full reading (dose, period, meals, length and the day of the course) comes
-// with the medication courses.
-std::string pillsNameOnly(const json& course, const std::vector<ListRow>& listData) {
-    const ListRow* medicine = listByIndex(jsonText(course, "pillname"), listData);
-    return medicine != nullptr ? captionText(medicine->cap) : std::string();
 }
 
 }  // namespace
@@ -281,7 +273,8 @@ std::string multi2ToString(const std::vector<MultiRow>& rows) {
 }
 
 std::vector<MultiRow> multi2FromString(std::string_view value, const std::vector<ListRow>& listData,
-                                       int type, std::optional<core::Date> /*forDate*/) {
+                                       int type, std::optional<core::Date> forDate,
+                                       const core::Dates& dates) {
     std::vector<MultiRow> rows;
     if (value.empty()) {
         return rows;
@@ -304,7 +297,7 @@ std::vector<MultiRow> multi2FromString(std::string_view value, const std::vector
         if (type == tp::periods) {
             row.text = readInterval(element);
         } else if (type == tp::medication) {
-            row.text = pillsNameOnly(element, listData);
+            row.text = medication::pillsToRead(row.source, listData, forDate, dates);
         }
         rows.push_back(std::move(row));
     }

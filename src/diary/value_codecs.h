@@ -11,6 +11,10 @@
 #include "diary/catalogue.h"
 #include "diary/reference_lists.h"
 
+namespace tilika::core {
+class Dates;
+}
+
 // The text of a diary value, read and written. Values come from our own
 // database, from cloud records of other devices and from databases of old
 // versions, so every reader here takes any text at all: what it can't make
@@ -50,10 +54,12 @@ std::string multiToString(const std::vector<MultiRow>& rows);
 std::vector<MultiRow> multiFromString(std::string_view value, int type);
 
 // Rows of records (medication courses, sleep and walks) to a value and back;
-// each row's `source` is one record as JSON text.
+// each row's `source` is one record as JSON text. A course reads with the day
+// of the course it is on `forDate`, when one is given.
 std::string multi2ToString(const std::vector<MultiRow>& rows);
 std::vector<MultiRow> multi2FromString(std::string_view value, const std::vector<ListRow>& listData,
-                                       int type, std::optional<core::Date> forDate);
+                                       int type, std::optional<core::Date> forDate,
+                                       const core::Dates& dates);
 
 // A sleep or walk record as "с 13:00 до 15:00 (02:00)"; "" for anything
 // that is not a JSON object.

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 
 namespace tilika::core {
@@ -25,6 +26,15 @@ TEST(Text, ReadsNumbersForgivingly) {
     EXPECT_DOUBLE_EQ(floatValue("inf"), 0.0);
     EXPECT_DOUBLE_EQ(floatValue("."), 0.0);
     EXPECT_DOUBLE_EQ(floatValue("1e999"), std::numeric_limits<double>::max());
+}
+
+TEST(Text, WritesFixedDecimals) {
+    EXPECT_EQ(formatFixed(3.5, 3), "3.500");
+    EXPECT_EQ(formatFixed(0.3000000001, 3), "0.300");
+    EXPECT_EQ(formatFixed(-0.25, 1), "-0.2");  // halves go to the even digit
+    EXPECT_EQ(formatFixed(74.56, 1), "74.6");
+    EXPECT_EQ(formatFixed(1e300, 1).size(), 303u);
+    EXPECT_EQ(formatFixed(std::nan(""), 2), "0");
 }
 
 TEST(Text, SplitsJoinsAndReplaces) {

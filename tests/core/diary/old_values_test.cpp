@@ -2,14 +2,20 @@
 
 #include <gtest/gtest.h>
 
+#include "core/dates.h"
 #include "core/ids.h"
 #include "diary/display_texts.h"
 #include "diary/value_codecs.h"
+#include "platform/clock.h"
 
 namespace tilika::diary {
 namespace {
 
 using nlohmann::json;
+
+// Record rows read their dates in the device's zone.
+const platform::ManualClock kClock{core::Date{}, "Europe/Moscow"};
+const core::Dates kDates{kClock};
 
 std::string guid1(int n) {
     return core::newID2(core::idkind::profile, n);
@@ -51,7 +57,7 @@ TEST(OldValues, TimedRowsConvertToTheRowsTheyShowed) {
 TEST(OldValues, RecordsConvertToWhatTheReadersShow) {
     const std::string sleep =
         oldValueToJson("sleep", "13:00<table>15:00<table>02:00<end>21:00<table>07:00<end>", kList);
-    const auto periods = multi2FromString(sleep, kList, tp::periods, std::nullopt);
+    const auto periods = multi2FromString(sleep, kList, tp::periods, std::nullopt, kDates);
     ASSERT_EQ(periods.size(), 2u);
     EXPECT_EQ(periods[0].text, "с 13:00 до 15:00 (02:00)");
     EXPECT_EQ(periods[1].text, "с 21:00 до 07:00 ()");

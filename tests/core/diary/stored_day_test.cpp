@@ -5,11 +5,9 @@
 #include <gtest/gtest.h>
 
 #include "core/ids.h"
-#include "diary/catalogue.h"
-#include "diary/display_texts.h"
+#include "diary/diary_store.h"
 #include "diary/profiles.h"
 #include "diary/reference_lists.h"
-#include "diary/value_codecs.h"
 #include "support/core_fixture.h"
 
 namespace tilika::diary {
@@ -18,7 +16,6 @@ namespace {
 class StoredDayTest : public test::CoreFixture {
 protected:
     Profiles profiles{context};
-    ReferenceLists lists{context};
 
     std::string addChild(const std::string& name, const std::string& birth) {
         const std::string gid = core::newID();
@@ -39,44 +36,16 @@ protected:
         insert.exec();
     }
 
-    std::string stored(const std::string& gid, const std::string& type) {
-        SQLite::Statement query(db(),
-                                "select value from childdata where childguid=? and type=? "
-                                "and date(sdat)=date('2026-11-22')");
-        query.bind(1, gid);
-        query.bind(2, type);
-        return query.executeStep() ? query.getColumn(0).getString() : std::string();
-    }
-
-    // The text a diary row shows for a value, by the row's editing kind.
-    static std::string reading(const CatalogueRow& row, const std::string& value,
-                               const std::vector<ListRow>& list) {
-        auto joined = [](const std::vector<MultiRow>& rows, bool timed) {
-            std::string text;
-            for (const MultiRow& r : rows) {
-                text += (text.empty() ? "" : "; ") + (timed ? r.time + " " + r.cap : r.text);
-            }
-            return text;
-        };
-        switch (row.tp) {
-            case tp::checkList:
-            case tp::pickFromList:
-                return checkStringToRead(value, list);
-            case tp::timedRows:
-            case tp::reminders:
-                return joined(multiFromString(value, row.tp), true);
-            case tp::medication:
-            case tp::periods:
-                return joined(multi2FromString(value, list, row.tp, std::nullopt), false);
-            case tp::bodyMeasures:
-                return biosizeStringToRead(value);
-            case tp::teeth:
-                return toothStringToRead(value);
-            case tp::analyses:
-                return analizyStringToRead(value, list);
-            default:
-                return value;
+    // A row's reading as one line: its text, or its rows joined.
+    static std::string shownText(const CatalogueRow& row) {
+        if (row.multiarray.empty()) {
+            return row.text;
         }
+        std::string text;
+        for (const MultiRow& r : row.multiarray) {
+            text += (text.empty() ? "" : "; ") + (r.text.empty() ? r.time + " " + r.cap : r.text);
+        }
+        return text;
     }
 };
 
@@ -115,15 +84,17 @@ TEST_F(StoredDayTest, EveryKindOfEntryReadsBack) {
     }
     store(misha, "note", "Другой ребенок");
 
+    DiaryStore store(context);
     std::vector<ListRow> list;
-    lists.loadConstList(list, cotype::all, "");
+    store.lists().loadConstList(list, cotype::all, "");
     std::vector<CatalogueRow> catalogue;
-    initTodayNoteStruct(catalogue);
+    store.noteStructToTodayNote(store.todayNoteForDay(*dates.dateFromString("2026-11-22"), lena),
+                                catalogue, list);
 
     std::map<std::string, std::string> shown;
     for (const CatalogueRow& entry : catalogue) {
         if (entry.tp != tp::photo) {
-            shown[entry.field] = reading(entry, stored(lena, entry.field), list);
+            shown[entry.field] = shownText(entry);
         }
     }
     EXPECT_EQ(shown.size(), 17u);
@@ -144,7 +115,8 @@ TEST_F(StoredDayTest, EveryKindOfEntryReadsBack) {
     EXPECT_EQ(shown["walk"], "с 10:00 до 11:30 (01:30)");
     EXPECT_EQ(shown["pills"], "Нурофен 1/2 таблетки");  // an old plain text stays as it is
     EXPECT_EQ(shown["note"], "Первый раз в бассейне");
-    EXPECT_EQ(stored(misha, "note"), "Другой ребенок");
+    EXPECT_EQ(store.todayNoteForDay(*dates.dateFromString("2026-11-22"), misha).value("note"),
+              "Другой ребенок");
 }
 
 }  // namespace

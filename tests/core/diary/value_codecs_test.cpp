@@ -5,12 +5,18 @@
 #include <string>
 #include <vector>
 
+#include "core/dates.h"
 #include "core/ids.h"
+#include "platform/clock.h"
 
 namespace tilika::diary {
 namespace {
 
 using nlohmann::json;
+
+// Record rows read their dates in the device's zone.
+const platform::ManualClock kClock{core::Date{}, "Europe/Moscow"};
+const core::Dates kDates{kClock};
 
 CatalogueRow formRow(std::string field, std::string source, int tp = 0) {
     CatalogueRow row;
@@ -179,7 +185,8 @@ TEST(ValueCodecs, RecordRowsReadAndWriteBack) {
     const std::vector<ListRow> medicines{{"Нурофен<tr>1", core::newID2(4, 8), 101, 2, 1, false}};
     const std::string sleep = R"([{"start":"13:00","end":"15:00","interval":"02:00"},
                                   {"start":"21:00","end":"07:00"}])";
-    const std::vector<MultiRow> rows = multi2FromString(sleep, {}, tp::periods, std::nullopt);
+    const std::vector<MultiRow> rows =
+        multi2FromString(sleep, {}, tp::periods, std::nullopt, kDates);
     ASSERT_EQ(rows.size(), 2u);
     EXPECT_EQ(rows[0].text, "с 13:00 до 15:00 (02:00)");
     EXPECT_EQ(rows[1].text, "с 21:00 до 07:00 ()");
@@ -187,12 +194,14 @@ TEST(ValueCodecs, RecordRowsReadAndWriteBack) {
     EXPECT_EQ(jsonToArray(multi2ToString(rows)), jsonToArray(sleep));
 
     const std::string course = R"([{"pillname":")" + core::newID2(4, 8) + R"(","key":"K"}])";
-    EXPECT_EQ(multi2FromString(course, medicines, tp::medication, std::nullopt).at(0).text,
-              "Нурофен");
-    const auto legacy = multi2FromString("Нурофен по 1/2", medicines, tp::medication, std::nullopt);
+    EXPECT_EQ(multi2FromString(course, medicines, tp::medication, std::nullopt, kDates).at(0).text,
+              "Нурофен: , , , , ");
+    const auto legacy =
+        multi2FromString("Нурофен по 1/2", medicines, tp::medication, std::nullopt, kDates);
     ASSERT_EQ(legacy.size(), 1u);
     EXPECT_EQ(legacy[0].text, "Нурофен по 1/2");
-    EXPECT_TRUE(multi2FromString("13:00<table>15:00", {}, tp::periods, std::nullopt).empty());
+    EXPECT_TRUE(
+        multi2FromString("13:00<table>15:00", {}, tp::periods, std::nullopt, kDates).empty());
     EXPECT_EQ(intervalToRead2("13:00<table>15:00"), "");
 
     EXPECT_EQ(pressureToString(json{{"pressure1", "120"}, {"pressure2", "80"}}), "120/80");
@@ -224,7 +233,7 @@ TEST(ValueCodecs, MalformedValuesGiveNoRowsOrPartRows) {
         for (int kind : {tp::timedRows, tp::reminders, tp::pressure, tp::fluids}) {
             EXPECT_TRUE(multiFromString(bad, kind).empty()) << bad;
         }
-        EXPECT_TRUE(multi2FromString(bad, {}, tp::medication, std::nullopt).empty()) << bad;
+        EXPECT_TRUE(multi2FromString(bad, {}, tp::medication, std::nullopt, kDates).empty()) << bad;
         EXPECT_TRUE(extractKeys("pills", bad).nokey.empty()) << bad;
     }
     for (const std::string bad : {"", "{x", "[{\"start\":\"13:00\"}]", "{\"start\":\"1\xff\"}"}) {

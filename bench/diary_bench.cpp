@@ -1,0 +1,166 @@
+// The diary on years of data: one dense year of a child read raw from SQLite
+// (the floor), loaded for the diary with and without its empty days, and a
+// day saved that adds a 30-day medicine course.
+//
+//   build/bench/tilika_bench --benchmark_filter=Diary
+
+#include <benchmark/benchmark.h>
+
+#include <stdlib.h>
+
+#include "core/app_state.h"
+#include "core/context.h"
+#include "core/database.h"
+#include "core/dates.h"
+#include "core/ids.h"
+#include "diary/diary_store.h"
+#include "diary/value_codecs.h"
+#include "platform/clock.h"
+#include "platform/folders.h"
+#include "platform/settings_store.h"
+#include "sample_diary.h"
+
+namespace {
+
+using namespace tilika;
+
+constexpr int kDenseYear = 5;
+
+// The sample diary, written once per run into a temporary folder.
+class Sample {
+public:
+    Sample()
+        : dir_(makeDir()),
+          diary_(bench::writeSampleDiary(dir_, TILIKA_BENCH_RESOURCE_DIR)),
+          folders_(dir_, TILIKA_BENCH_RESOURCE_DIR),
+          settings_(dir_ / "Library" / "settings.json"),
+          clock_(bench::sampleNow(), "Europe/Moscow"),
+          dates_(clock_),
+          database_(folders_, dates_),
+          context_{clock_, settings_, folders_, dates_, database_, state_},
+          store_(context_) {}
+
+    ~Sample() {
+        std::error_code error;
+        std::filesystem::remove_all(dir_, error);
+    }
+
+    const std::string& gid() const { return diary_.children.front().gid; }
+    core::Dates& dates() { return dates_; }
+    core::DatabaseStore& database() { return database_; }
+    diary::DiaryStore& store() { return store_; }
+
+    core::Date yearStart() {
+        return dates_.addYears(*dates_.dateFromString(diary_.children.front().birth),
+                               kDenseYear - 1);
+    }
+
+private:
+    static std::filesystem::path makeDir() {
+        std::string pattern =
+            (std::filesystem::temp_directory_path() / "tilika-bench-XXXXXX").string();
+        return ::mkdtemp(pattern.data());
+    }
+
+    std::filesystem::path dir_;
+    bench::SampleDiary diary_;
+    platform::DataFolders folders_;
+    platform::JsonSettingsStore settings_;
+    platform::ManualClock clock_;
+    core::Dates dates_;
+    core::DatabaseStore database_;
+    core::AppState state_;
+    core::Context context_;
+    diary::DiaryStore store_;
+};
+
+Sample& sample() {
+    static Sample instance;
+    return instance;
+}
+
+void BM_DiaryYearRawRead(benchmark::State& state) {
+    Sample& s = sample();
+    SQLite::Database& db = *s.database().connectToBase();
+    const std::string from = s.dates().dateToString(s.yearStart(), core::formats::day);
+    const std::string to =
+        s.dates().dateToString(s.dates().addYears(s.yearStart(), 1), core::formats::day);
+    std::size_t rows = 0;
+    for (auto _ : state) {
+        SQLite::Statement query(db,
+                                "select sdat, type, value from childdata where childguid=? and "
+                                "date(sdat)>=date(?) and date(sdat)<date(?) order by date(sdat)");
+        query.bind(1, s.gid());
+        query.bind(2, from);
+        query.bind(3, to);
+        rows = 0;
+        while (query.executeStep()) {
+            std::string sdat = query.getColumn(0).getString();
+            std::string type = query.getColumn(1).getString();
+            std::string value = query.getColumn(2).getString();
+            benchmark::DoNotOptimize(value);
+            ++rows;
+        }
+    }
+    state.counters["rows"] = static_cast<double>(rows);
+}
+
+void loadYear(benchmark::State& state, int regim) {
+    Sample& s = sample();
+    std::vector<diary::DayNote> days;
+    for (auto _ : state) {
+        s.store().loadNoteData(days, regim, kDenseYear, s.dates().now(), s.gid());
+        benchmark::DoNotOptimize(days.data());
+    }
+    state.counters["days"] = static_cast<double>(days.size());
+}
+
+void BM_DiaryLoadEveryDay(benchmark::State& state) {
+    loadYear(state, diary::loadregim::everyDay);
+}
+
+void BM_DiaryLoadWithoutEmptyDays(benchmark::State& state) {
+    loadYear(state, diary::loadregim::withoutEmptyDays);
+}
+
+void BM_DiarySaveDayAddingACourse(benchmark::State& state) {
+    Sample& s = sample();
+    const core::Date day = s.dates().addDays(s.yearStart(), 100);
+    std::vector<diary::ListRow> list;
+    s.store().lists().loadConstList(list, diary::cotype::all, "");
+    std::vector<diary::CatalogueRow> original;
+    s.store().noteStructToTodayNote(s.store().todayNoteForDay(day, s.gid()), original, list);
+    const std::string before = original[4].source;
+
+    nlohmann::json courses = diary::jsonToArray(before);
+    if (!courses.is_array()) {
+        courses = nlohmann::json::array();
+    }
+    courses.push_back({{"pillname", core::newID2(core::idkind::seededRow, 8)},
+                       {"pilldoza", "1<td>шт."},
+                       {"pillinter", "2<td>раз в день"},
+                       {"pillperiod", core::newID2(core::idkind::seededRow, 10)},
+                       {"pilleat", core::newID2(core::idkind::seededRow, 18)},
+                       {"pilllength", "30<td>дни"},
+                       {"pillsdate", s.dates().dateToString(day, core::formats::screenDay)}});
+    const std::string after = diary::jsonFromObject(courses);
+
+    for (auto _ : state) {
+        std::vector<diary::CatalogueRow> rows = original;
+        rows[4].source = after;
+        s.store().saveNoteData(1, rows, list, s.gid(), day);
+        state.PauseTiming();
+        // Saving the day as it was takes the new course off its 30 days again.
+        rows = original;
+        rows[4].source = before;
+        s.store().saveNoteData(1, rows, list, s.gid(), day);
+        state.ResumeTiming();
+    }
+}
+
+}  // namespace
+
+BENCHMARK(BM_DiaryYearRawRead)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_DiaryLoadEveryDay)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_DiaryLoadWithoutEmptyDays)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_DiarySaveDayAddingACourse)->Unit(benchmark::kMillisecond);
