@@ -123,6 +123,38 @@ void BM_DiaryLoadWithoutEmptyDays(benchmark::State& state) {
     loadYear(state, diary::loadregim::withoutEmptyDays);
 }
 
+// The parts of a load that are not SQLite: the photo lookups (two file
+// checks a day) and the calendar work of each day's texts.
+void BM_DiaryYearPhotoLookups(benchmark::State& state) {
+    Sample& s = sample();
+    std::vector<diary::DayNote> days(365);
+    for (std::size_t i = 0; i < days.size(); ++i) {
+        days[i].dat = s.dates().addDays(s.yearStart(), static_cast<int>(i));
+    }
+    for (auto _ : state) {
+        for (diary::DayNote& day : days) {
+            s.store().correctPhoto(day, diary::loadregim::everyDay, s.gid());
+        }
+    }
+}
+
+void BM_DiaryYearDayTexts(benchmark::State& state) {
+    Sample& s = sample();
+    std::vector<diary::DayNote> days(365);
+    for (std::size_t i = 0; i < days.size(); ++i) {
+        days[i].dat = s.dates().addDays(s.yearStart(), static_cast<int>(i));
+    }
+    const std::vector<diary::ListRow> list;
+    diary::SetupRecord setup;
+    setup.sbirthdate = "2012-11-22";
+    setup.birthdate = *s.dates().dateFromString("2012-11-22");
+    for (auto _ : state) {
+        for (diary::DayNote& day : days) {
+            s.store().updateNoteStrings(day, list, setup, diary::loadregim::everyDay, false);
+        }
+    }
+}
+
 void BM_DiarySaveDayAddingACourse(benchmark::State& state) {
     Sample& s = sample();
     const core::Date day = s.dates().addDays(s.yearStart(), 100);
@@ -163,4 +195,6 @@ void BM_DiarySaveDayAddingACourse(benchmark::State& state) {
 BENCHMARK(BM_DiaryYearRawRead)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_DiaryLoadEveryDay)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_DiaryLoadWithoutEmptyDays)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_DiaryYearPhotoLookups)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_DiaryYearDayTexts)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_DiarySaveDayAddingACourse)->Unit(benchmark::kMillisecond);

@@ -60,7 +60,9 @@ CREATE TABLE childkorm (
 -- Every diary query selects one child's days by date(sdat); years of entries
 -- must not mean a scan of the whole table.
 CREATE INDEX childdata_child_day ON childdata (childguid, date(sdat));
-CREATE INDEX childdata_child_type ON childdata (childguid, type);
+-- The latest value of one type before a day (an illness carried over from
+-- an earlier year, the last weight) is one step down this index.
+CREATE INDEX childdata_child_type_day ON childdata (childguid, type, date(sdat));
 CREATE INDEX childconst_guid ON childconst (coguid);
 CREATE INDEX childconst_type ON childconst (cotype, deleted);
 CREATE INDEX childselect_child ON childselect (childguid, seltypeid);

@@ -276,11 +276,99 @@ int unitsBetweenDays(std::string_view zone, Date first, Date second, UCalendarDa
 }
 }  // namespace
 
+namespace {
+// The local calendar day of a date as one running number.
+std::optional<std::int32_t> dayNumber(icu::Calendar& calendar, UDate date) {
+    UErrorCode status = U_ZERO_ERROR;
+    calendar.setTime(date, status);
+    const std::int32_t number = calendar.get(UCAL_JULIAN_DAY, status);
+    return U_SUCCESS(status) ? std::optional<std::int32_t>(number) : std::nullopt;
+}
+
+// The date moved by whole units of a field, as the calendar adds them: the
+// time of day kept, a missing day falling back to the month's last.
+std::optional<UDate> plus(icu::Calendar& calendar, UDate date, UCalendarDateFields field,
+                          int amount) {
+    UErrorCode status = U_ZERO_ERROR;
+    calendar.setTime(date, status);
+    calendar.add(field, amount, status);
+    const UDate moved = calendar.getTime(status);
+    return U_SUCCESS(status) ? std::optional<UDate>(moved) : std::nullopt;
+}
+
+// Years, then months, then days from `start` on to a later `end`, the way
+// the calendar's own field differences count them, but from the fields
+// instead of by trial: a diary year asks for this for every one of its
+// days. For each unit the count of the fields is either right or one too
+// many, which a single addition tells.
+std::optional<DateDifference> forwardDifference(icu::Calendar& calendar, UDate start, UDate end) {
+    UErrorCode status = U_ZERO_ERROR;
+    calendar.setTime(end, status);
+    const int endYear = calendar.get(UCAL_EXTENDED_YEAR, status);
+    const int endMonth = calendar.get(UCAL_MONTH, status);
+    calendar.setTime(start, status);
+    const int startYear = calendar.get(UCAL_EXTENDED_YEAR, status);
+    if (U_FAILURE(status)) {
+        return std::nullopt;
+    }
+
+    DateDifference difference;
+    difference.years = endYear - startYear;
+    std::optional<UDate> afterYears = plus(calendar, start, UCAL_YEAR, difference.years);
+    if (afterYears && *afterYears > end) {
+        afterYears = plus(calendar, start, UCAL_YEAR, --difference.years);
+    }
+    if (!afterYears) {
+        return std::nullopt;
+    }
+
+    calendar.setTime(*afterYears, status);
+    const int year = calendar.get(UCAL_EXTENDED_YEAR, status);
+    const int month = calendar.get(UCAL_MONTH, status);
+    difference.months = (endYear - year) * 12 + (endMonth - month);
+    std::optional<UDate> afterMonths = plus(calendar, *afterYears, UCAL_MONTH, difference.months);
+    if (afterMonths && *afterMonths > end) {
+        afterMonths = plus(calendar, *afterYears, UCAL_MONTH, --difference.months);
+    }
+    if (!afterMonths || U_FAILURE(status)) {
+        return std::nullopt;
+    }
+
+    const auto from = dayNumber(calendar, *afterMonths);
+    const auto to = dayNumber(calendar, end);
+    if (!from || !to) {
+        return std::nullopt;
+    }
+    difference.days = *to - *from;
+    const std::optional<UDate> afterDays = plus(calendar, *afterMonths, UCAL_DATE, difference.days);
+    if (afterDays && *afterDays > end) {
+        --difference.days;
+    }
+    return difference;
+}
+}  // namespace
+
 int Dates::getDays(Date from, Date to) const {
-    return unitsBetweenDays(clock_->timeZoneId(), from, to, UCAL_DATE);
+    icu::Calendar* calendar = calendars.get(clock_->timeZoneId());
+    if (calendar == nullptr) {
+        return 0;
+    }
+    const auto first = dayNumber(*calendar, toUDate(from));
+    const auto second = dayNumber(*calendar, toUDate(to));
+    return first && second ? *second - *first : 0;
 }
 
 int Dates::getMonths(Date from, Date to) const {
+    if (getDays(from, to) >= 0) {
+        icu::Calendar* calendar = calendars.get(clock_->timeZoneId());
+        const auto start = calendar ? noonOf(*calendar, from) : std::nullopt;
+        const auto end = calendar ? noonOf(*calendar, to) : std::nullopt;
+        if (start && end) {
+            const auto difference = forwardDifference(*calendar, *start, *end);
+            return difference ? difference->years * 12 + difference->months : 0;
+        }
+        return 0;
+    }
     return unitsBetweenDays(clock_->timeZoneId(), from, to, UCAL_MONTH);
 }
 
@@ -323,7 +411,13 @@ int Dates::lastDateOfMonth(Date date) const {
 
 std::optional<DateDifference> Dates::difference(Date start, Date end) const {
     icu::Calendar* calendar = calendars.get(clock_->timeZoneId());
-    if (calendar == nullptr || !setTo(*calendar, start)) {
+    if (calendar == nullptr) {
+        return std::nullopt;
+    }
+    if (end >= start) {
+        return forwardDifference(*calendar, toUDate(start), toUDate(end));
+    }
+    if (!setTo(*calendar, start)) {
         return std::nullopt;
     }
     // fieldDifference walks the calendar forward field by field, which gives

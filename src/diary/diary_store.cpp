@@ -12,6 +12,7 @@
 #include "diary/display_texts.h"
 #include "diary/value_codecs.h"
 #include "medication/courses.h"
+#include "medication/regimen_texts.h"
 #include "platform/folders.h"
 
 namespace tilika::diary {
@@ -436,6 +437,17 @@ void DiaryStore::updateNoteToday(CatalogueRow& row, const std::vector<ListRow>& 
             break;
         case tp::analyses:
             row.text = analizyStringToRead(source, list);
+            break;
+        // The fields of medication records as old versions stored them, by
+        // the positions of the pickers.
+        case tp::medicationLength:
+            row.text = medication::intervalToRead(source, true);
+            break;
+        case tp::medicationDose:
+            row.text = medication::dozaToRead(source);
+            break;
+        case tp::medicationPeriod:
+            row.text = medication::periodToRead(source);
             break;
         default:
             // The kinds of the other editions (pregnancy, the woman's diary)

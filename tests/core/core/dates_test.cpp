@@ -1,6 +1,10 @@
 #include "core/dates.h"
 
 #include <gtest/gtest.h>
+#include <unicode/gregocal.h>
+#include <unicode/timezone.h>
+
+#include <random>
 
 #include "platform/clock.h"
 
@@ -126,6 +130,62 @@ TEST_F(DatesTest, KeepsTheDayAcrossAChangeOfClocks) {
         walk = dates.addDays(walk, 1);
     }
     EXPECT_EQ(moment(walk), "2027-01-01 00:00:00");
+}
+
+// The calendar's own count by trial, which the quick count must agree with.
+DateDifference countedByTrial(const std::string& zone, Date start, Date end) {
+    UErrorCode status = U_ZERO_ERROR;
+    icu::GregorianCalendar calendar(icu::TimeZone::createTimeZone(zone.c_str()),
+                                    icu::Locale("ru_RU"), status);
+    calendar.setTime(static_cast<UDate>(start.time_since_epoch().count()), status);
+    const UDate target = static_cast<UDate>(end.time_since_epoch().count());
+    DateDifference difference;
+    difference.years = calendar.fieldDifference(target, UCAL_YEAR, status);
+    difference.months = calendar.fieldDifference(target, UCAL_MONTH, status);
+    difference.days = calendar.fieldDifference(target, UCAL_DATE, status);
+    return difference;
+}
+
+// Whole days between the days of two dates, counted noon to noon by trial.
+int daysByTrial(const std::string& zone, Date start, Date end) {
+    UErrorCode status = U_ZERO_ERROR;
+    icu::GregorianCalendar calendar(icu::TimeZone::createTimeZone(zone.c_str()),
+                                    icu::Locale("ru_RU"), status);
+    auto noon = [&](Date date) {
+        calendar.setTime(static_cast<UDate>(date.time_since_epoch().count()), status);
+        calendar.set(UCAL_HOUR_OF_DAY, 12);
+        calendar.set(UCAL_MINUTE, 0);
+        calendar.set(UCAL_SECOND, 0);
+        calendar.set(UCAL_MILLISECOND, 0);
+        return calendar.getTime(status);
+    };
+    const UDate to = noon(end);
+    calendar.setTime(noon(start), status);
+    return calendar.fieldDifference(to, UCAL_DATE, status);
+}
+
+TEST_F(DatesTest, CountsYearsMonthsAndDaysAsTheCalendarDoes) {
+    std::mt19937 random(7);
+    for (const char* zone : {"Europe/Berlin", "America/Santiago", "Europe/Moscow"}) {
+        clock.setTimeZoneId(zone);
+        const Date base = at("2012-02-29 00:00");
+        for (int i = 0; i < 1500; ++i) {
+            // Month ends, leap days and changes of clocks come up often in
+            // twenty years of random moments.
+            const Date start = base + std::chrono::minutes(random() % (20 * 365 * 24 * 60));
+            const Date end = start + std::chrono::minutes(random() % (3 * 365 * 24 * 60));
+            const auto quick = dates.difference(start, end);
+            const DateDifference trial = countedByTrial(zone, start, end);
+            ASSERT_TRUE(quick);
+            ASSERT_TRUE(quick->years == trial.years && quick->months == trial.months &&
+                        quick->days == trial.days)
+                << zone << " " << moment(start) << " to " << moment(end) << ": " << quick->years
+                << "/" << quick->months << "/" << quick->days << " against " << trial.years << "/"
+                << trial.months << "/" << trial.days;
+            ASSERT_EQ(dates.getDays(start, end), daysByTrial(zone, start, end))
+                << moment(start) << " " << moment(end);
+        }
+    }
 }
 
 TEST_F(DatesTest, SaysTheAgeAsAPhrase) {

@@ -207,6 +207,13 @@ TEST_F(DiaryStoreTest, FillsTheCatalogueFromADay) {
     EXPECT_EQ(rows[7].active, true);
     EXPECT_EQ(rows[8].active, false);
     EXPECT_FALSE(rows[17].isphoto);
+
+    // Fields of old medication records read by their picker positions.
+    CatalogueRow dose;
+    dose.tp = tp::medicationDose;
+    dose.source = "2<td>2";
+    store.updateNoteToday(dose, list, std::nullopt);
+    EXPECT_EQ(dose.text, "1/2 штуки");
 }
 
 TEST_F(DiaryStoreTest, SavingADayReplacesItWhole) {
