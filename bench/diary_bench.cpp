@@ -6,6 +6,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <stdlib.h>
 
 #include "core/app_state.h"
@@ -46,6 +47,7 @@ public:
     }
 
     const std::string& gid() const { return diary_.children.front().gid; }
+    const std::string& birth() const { return diary_.children.front().birth; }
     core::Dates& dates() { return dates_; }
     core::DatabaseStore& database() { return database_; }
     diary::DiaryStore& store() { return store_; }
@@ -146,8 +148,8 @@ void BM_DiaryYearDayTexts(benchmark::State& state) {
     }
     const std::vector<diary::ListRow> list;
     diary::SetupRecord setup;
-    setup.sbirthdate = "2012-11-22";
-    setup.birthdate = *s.dates().dateFromString("2012-11-22");
+    setup.sbirthdate = s.birth();
+    setup.birthdate = *s.dates().dateFromString(s.birth());
     for (auto _ : state) {
         for (diary::DayNote& day : days) {
             s.store().updateNoteStrings(day, list, setup, diary::loadregim::everyDay, false);
@@ -162,7 +164,11 @@ void BM_DiarySaveDayAddingACourse(benchmark::State& state) {
     s.store().lists().loadConstList(list, diary::cotype::all, "");
     std::vector<diary::CatalogueRow> original;
     s.store().noteStructToTodayNote(s.store().todayNoteForDay(day, s.gid()), original, list);
-    const std::string before = original[4].source;
+    const auto pills = std::find_if(original.begin(), original.end(), [](const auto& row) {
+        return row.tp == diary::tp::medication;
+    });
+    const std::size_t pillsRow = static_cast<std::size_t>(pills - original.begin());
+    const std::string before = pills->source;
 
     nlohmann::json courses = diary::jsonToArray(before);
     if (!courses.is_array()) {
@@ -179,12 +185,12 @@ void BM_DiarySaveDayAddingACourse(benchmark::State& state) {
 
     for (auto _ : state) {
         std::vector<diary::CatalogueRow> rows = original;
-        rows[4].source = after;
+        rows[pillsRow].source = after;
         s.store().saveNoteData(1, rows, list, s.gid(), day);
         state.PauseTiming();
         // Saving the day as it was takes the new course off its 30 days again.
         rows = original;
-        rows[4].source = before;
+        rows[pillsRow].source = before;
         s.store().saveNoteData(1, rows, list, s.gid(), day);
         state.ResumeTiming();
     }

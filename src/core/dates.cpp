@@ -359,17 +359,51 @@ int Dates::getDays(Date from, Date to) const {
 }
 
 int Dates::getMonths(Date from, Date to) const {
-    if (getDays(from, to) >= 0) {
-        icu::Calendar* calendar = calendars.get(clock_->timeZoneId());
-        const auto start = calendar ? noonOf(*calendar, from) : std::nullopt;
-        const auto end = calendar ? noonOf(*calendar, to) : std::nullopt;
-        if (start && end) {
-            const auto difference = forwardDifference(*calendar, *start, *end);
-            return difference ? difference->years * 12 + difference->months : 0;
-        }
+    icu::Calendar* calendar = calendars.get(clock_->timeZoneId());
+    if (calendar == nullptr) {
         return 0;
     }
-    return unitsBetweenDays(clock_->timeZoneId(), from, to, UCAL_MONTH);
+    const auto start = noonOf(*calendar, from);
+    const auto end = noonOf(*calendar, to);
+    if (!start || !end) {
+        return 0;
+    }
+    if (*end < *start) {
+        return unitsBetweenDays(clock_->timeZoneId(), from, to, UCAL_MONTH);
+    }
+    // Months counted straight, not years first: after 29 February the two
+    // ways part (a year from it is 28 February, a month from that the 28th).
+    UErrorCode status = U_ZERO_ERROR;
+    calendar->setTime(*end, status);
+    const int endMonths =
+        calendar->get(UCAL_EXTENDED_YEAR, status) * 12 + calendar->get(UCAL_MONTH, status);
+    calendar->setTime(*start, status);
+    const int startMonths =
+        calendar->get(UCAL_EXTENDED_YEAR, status) * 12 + calendar->get(UCAL_MONTH, status);
+    if (U_FAILURE(status)) {
+        return 0;
+    }
+    int months = endMonths - startMonths;
+    const auto moved = plus(*calendar, *start, UCAL_MONTH, months);
+    if (moved && *moved > *end) {
+        --months;
+    }
+    return months;
+}
+
+std::optional<DateDifference> Dates::dayDifference(Date start, Date end) const {
+    icu::Calendar* calendar = calendars.get(clock_->timeZoneId());
+    if (calendar == nullptr) {
+        return std::nullopt;
+    }
+    const auto first = noonOf(*calendar, start);
+    const auto second = noonOf(*calendar, end);
+    const auto firstDate = first ? fromUDate(*first) : std::nullopt;
+    const auto secondDate = second ? fromUDate(*second) : std::nullopt;
+    if (!firstDate || !secondDate) {
+        return std::nullopt;
+    }
+    return difference(*firstDate, *secondDate);
 }
 
 namespace {

@@ -89,6 +89,8 @@ public:
 
     // The dates are taken as they are, times of day included.
     std::optional<DateDifference> difference(Date start, Date end) const;
+    // The same between the days the dates fall on, whatever their times.
+    std::optional<DateDifference> dayDifference(Date start, Date end) const;
 
     // Age as a phrase: "1 год, 2 месяца и 3 дня". With `noempty` a zero age
     // reads "Только что родился"; with `nodays` the days are left out.

@@ -24,7 +24,7 @@ void DayRows::insertValue(std::string_view type, std::string_view value, core::D
     if (withDelete) {
         deleteValue(type, curdate, gid);
     }
-    core::runGuarded("insertValue", [&] {
+    failed_ |= !core::runGuarded("insertValue", [&] {
         SQLite::Statement insert(
             db_, "insert into childdata (type, value, sdat, childguid) values (?,?,?,?)");
         insert.bind(1, std::string(type));
@@ -36,7 +36,7 @@ void DayRows::insertValue(std::string_view type, std::string_view value, core::D
 }
 
 void DayRows::deleteValue(std::string_view type, core::Date curdate, std::string_view gid) {
-    core::runGuarded("deleteValue", [&] {
+    failed_ |= !core::runGuarded("deleteValue", [&] {
         SQLite::Statement remove(db_,
                                  "delete from childdata where childguid=? and "
                                  "date(sdat)=date(?) and type=?");
@@ -48,7 +48,7 @@ void DayRows::deleteValue(std::string_view type, core::Date curdate, std::string
 }
 
 void DayRows::deleteDay(core::Date curdate, std::string_view gid) {
-    core::runGuarded("deleteDay", [&] {
+    failed_ |= !core::runGuarded("deleteDay", [&] {
         SQLite::Statement remove(db_,
                                  "delete from childdata where childguid=? and date(sdat)=date(?)");
         remove.bind(1, std::string(gid));
@@ -59,7 +59,7 @@ void DayRows::deleteDay(core::Date curdate, std::string_view gid) {
 
 std::string DayRows::getDateValue(core::Date date, std::string_view type, std::string_view gid) {
     std::string value;
-    core::runGuarded("getDateValue", [&] {
+    failed_ |= !core::runGuarded("getDateValue", [&] {
         SQLite::Statement query(db_,
                                 "select value from childdata where childguid=? and "
                                 "date(sdat)=date(?) and type=?");
@@ -77,7 +77,7 @@ std::string DayRows::getLastDateValue(core::Date date, std::string_view type,
                                       std::string_view gid) {
     std::string value;
     lastValueDate_.reset();
-    core::runGuarded("getLastDateValue", [&] {
+    failed_ |= !core::runGuarded("getLastDateValue", [&] {
         SQLite::Statement query(db_,
                                 "select value, sdat from childdata where childguid=? and "
                                 "date(sdat)<date(?) and type=? order by date(sdat) desc limit 1");

@@ -38,10 +38,15 @@ public:
     std::string getLastDateValue(core::Date date, std::string_view type, std::string_view gid);
     std::optional<core::Date> getLastValueDate() const { return lastValueDate_; }
 
+    // Whether a statement has failed since these rows were made: a caller
+    // writing in a transaction then rolls back instead of keeping half.
+    bool failed() const { return failed_; }
+
 private:
     SQLite::Database& db_;
     const core::Dates& dates_;
     std::optional<core::Date> lastValueDate_;
+    bool failed_ = false;
 };
 
 }  // namespace tilika::diary

@@ -14,6 +14,7 @@
 #include "medication/courses.h"
 #include "medication/regimen_texts.h"
 #include "platform/folders.h"
+#include "platform/log.h"
 
 namespace tilika::diary {
 
@@ -55,13 +56,11 @@ const char* typeFilter(int regim) {
 // "3.500 (+0.300)": a measure with its gain since the first one.
 std::string withGain(double value, double base, int decimals) {
     const double gain = value - base;
-    std::string text = core::formatFixed(value, decimals);
-    const std::string gainText = core::formatFixed(gain, decimals);
-    if (gainText == core::formatFixed(0.0, decimals) ||
-        gainText == "-" + core::formatFixed(0.0, decimals)) {
+    const std::string text = core::formatFixed(value, decimals);
+    if (gain == 0.0) {
         return text;
     }
-    return text + (gain > 0 ? " (+" : " (") + gainText + ")";
+    return text + (gain > 0 ? " (+" : " (") + core::formatFixed(gain, decimals) + ")";
 }
 
 }  // namespace
@@ -245,7 +244,7 @@ void DiaryStore::updateNoteStrings(DayNote& day, const std::vector<ListRow>& /*l
         day.flags.istoday = true;
     }
     const core::Date birthday = setup.sbirthdate ? setup.birthdate : dates.noTime(now);
-    if (const auto age = dates.difference(birthday, *day.dat)) {
+    if (const auto age = dates.dayDifference(birthday, *day.dat)) {
         day.year = age->years;
         day.month = age->months + 1;
         day.group = age->years * 12 + age->months + 1;
@@ -329,10 +328,6 @@ void DiaryStore::correctPhoto(DayNote& day, int regim, std::string_view gid) con
     day.photopath = regim == loadregim::report ? photo.string() : thumbnail.string();
 }
 
-}  // namespace tilika::diary
-
-namespace tilika::diary {
-
 void DiaryStore::saveNoteData(int flag, std::vector<CatalogueRow>& data,
                               const std::vector<ListRow>& list, std::string_view gid,
                               core::Date date) {
@@ -376,6 +371,11 @@ void DiaryStore::saveNoteData(int flag, std::vector<CatalogueRow>& data,
                     rows.insertValue(row.field, row.source, date, gid, false, false);
                     break;
             }
+        }
+        if (rows.failed() || courses.failed()) {
+            // Leaving the transaction uncommitted keeps the day as it was.
+            platform::log("The day could not be saved whole; it is kept as it was");
+            return;
         }
         transaction.commit();
     });
@@ -535,7 +535,7 @@ double DiaryStore::getLastValue(core::Date date, std::string_view type, std::str
             query.bind(2, context_.dates.dateToString(date, core::formats::day));
             query.bind(3, std::string(type));
             if (query.executeStep()) {
-                found = core::stringFromBase(query, 0).value_or("");
+                found = core::stringFromBase(query, 0);
                 lastValueDate_ =
                     context_.dates.dateFromString(core::stringFromBase(query, 1).value_or(""));
             }
@@ -562,7 +562,8 @@ void DiaryStore::moveDates(bool forward) {
         {
             SQLite::Statement query(*db, "select datid, sdat from childdata");
             while (query.executeStep()) {
-                const auto day = dates.dateFromString(core::stringFromBase(query, 1).value_or(""));
+                const auto day =
+                    dates.dateFromString(core::stringFromBase(query, 1).value_or("").substr(0, 10));
                 if (day) {
                     moved.emplace_back(query.getColumn(0).getInt64(),
                                        dates.dateToString(dates.addDays(*day, forward ? 1 : -1),

@@ -163,7 +163,7 @@ void Courses::removeNoteComplex(std::string_view type, std::string_view key) {
     std::vector<Found> found;
     // Collected first: the rows are rewritten below, which must not happen
     // under a statement still reading the table.
-    core::runGuarded("removeNoteComplex", [&] {
+    failed_ |= !core::runGuarded("removeNoteComplex", [&] {
         SQLite::Statement query(db_,
                                 "select childguid, sdat, value from childdata "
                                 "where type=? and value like ? escape '\\'");
@@ -174,7 +174,9 @@ void Courses::removeNoteComplex(std::string_view type, std::string_view key) {
             if (!gid) {
                 continue;
             }
-            found.push_back({std::move(*gid), dates_.dateFromString(query.getColumn(1).getString()),
+            // Old rows may carry a time after the day.
+            found.push_back({std::move(*gid),
+                             dates_.dateFromString(query.getColumn(1).getString().substr(0, 10)),
                              core::stringFromBase(query, 2).value_or("")});
         }
     });

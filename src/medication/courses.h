@@ -53,6 +53,9 @@ public:
                          std::string_view gid, const std::vector<diary::ListRow>& listData,
                          std::string_view old);
 
+    // Whether a statement has failed since the courses were made.
+    bool failed() const { return failed_ || rows_.failed(); }
+
 private:
     // The last day of a course as an offset from its first day.
     int lastOffset(std::string_view pilllength, core::Date start) const;
@@ -64,6 +67,7 @@ private:
     SQLite::Database& db_;
     const core::Dates& dates_;
     diary::DayRows rows_;
+    bool failed_ = false;
 };
 
 }  // namespace tilika::medication

@@ -112,6 +112,13 @@ TEST_F(DatesTest, MovesByCalendarFields) {
     EXPECT_EQ(dates.getMonths(at("2026-01-31"), at("2026-02-27")), 0);
     EXPECT_EQ(dates.getMonths(at("2026-01-15 20:00"), at("2026-03-15 01:00")), 2);
     EXPECT_EQ(dates.getMonths(at("2026-03-15"), at("2025-03-15")), -12);
+    EXPECT_EQ(dates.getMonths(at("2020-02-29"), at("2021-03-28")), 12);
+    // The age of a day counts its whole day, even where midnight is skipped.
+    clock.setTimeZoneId("America/Sao_Paulo");
+    const auto age = dates.dayDifference(at("2018-11-04"), at("2018-12-04"));
+    ASSERT_TRUE(age);
+    EXPECT_EQ(age->months, 1);
+    EXPECT_EQ(age->days, 0);
 }
 
 TEST_F(DatesTest, KeepsTheDayAcrossAChangeOfClocks) {
@@ -146,8 +153,8 @@ DateDifference countedByTrial(const std::string& zone, Date start, Date end) {
     return difference;
 }
 
-// Whole days between the days of two dates, counted noon to noon by trial.
-int daysByTrial(const std::string& zone, Date start, Date end) {
+// Whole units between the days of two dates, counted noon to noon by trial.
+int byTrialFromNoon(const std::string& zone, Date start, Date end, UCalendarDateFields field) {
     UErrorCode status = U_ZERO_ERROR;
     icu::GregorianCalendar calendar(icu::TimeZone::createTimeZone(zone.c_str()),
                                     icu::Locale("ru_RU"), status);
@@ -161,7 +168,7 @@ int daysByTrial(const std::string& zone, Date start, Date end) {
     };
     const UDate to = noon(end);
     calendar.setTime(noon(start), status);
-    return calendar.fieldDifference(to, UCAL_DATE, status);
+    return calendar.fieldDifference(to, field, status);
 }
 
 TEST_F(DatesTest, CountsYearsMonthsAndDaysAsTheCalendarDoes) {
@@ -182,7 +189,9 @@ TEST_F(DatesTest, CountsYearsMonthsAndDaysAsTheCalendarDoes) {
                 << zone << " " << moment(start) << " to " << moment(end) << ": " << quick->years
                 << "/" << quick->months << "/" << quick->days << " against " << trial.years << "/"
                 << trial.months << "/" << trial.days;
-            ASSERT_EQ(dates.getDays(start, end), daysByTrial(zone, start, end))
+            ASSERT_EQ(dates.getDays(start, end), byTrialFromNoon(zone, start, end, UCAL_DATE))
+                << moment(start) << " " << moment(end);
+            ASSERT_EQ(dates.getMonths(start, end), byTrialFromNoon(zone, start, end, UCAL_MONTH))
                 << moment(start) << " " << moment(end);
         }
     }

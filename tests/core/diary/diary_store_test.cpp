@@ -239,6 +239,16 @@ TEST_F(DiaryStoreTest, SavingADayReplacesItWhole) {
     EXPECT_EQ(saved.values.count("smile"), 0u);
     EXPECT_EQ(saved.value("ves"), "8.250");
     EXPECT_EQ(queryText("select count(*) from childdata"), "2");
+
+    // A write that fails halfway (a full disk, say) leaves the day as it was.
+    db().exec("create temp trigger fail before insert on childdata when new.value='сбой' "
+              "begin select raise(abort, 'disk full'); end");
+    rows[16].source = "сбой";
+    rows[9].source = "не сохранится";
+    store.saveNoteData(1, rows, list, gid, at("2026-11-20"));
+    const DayNote kept = store.todayNoteForDay(at("2026-11-20"), gid);
+    EXPECT_EQ(kept.value("note"), "новая заметка");
+    EXPECT_EQ(kept.values.count("smile"), 0u);
 }
 
 TEST_F(DiaryStoreTest, ACourseSavedOnOneDayLivesOnAllItsDays) {
