@@ -438,6 +438,28 @@ void DiaryStore::updateNoteToday(CatalogueRow& row, const std::vector<ListRow>& 
         case tp::analyses:
             row.text = analizyStringToRead(source, list);
             break;
+        // The pregnancy diary's ultrasound and birth, kept readable for
+        // records that come from it.
+        case tp::ultrasound: {
+            const nlohmann::json record = jsonToDictionary(source);
+            std::vector<std::string> lines;
+            if (const double rost = core::floatValue(jsonText(record, "rost")); rost > 0) {
+                lines.push_back("Рост: " + core::formatFixed(rost, 1));
+            }
+            if (const double ves = core::floatValue(jsonText(record, "ves")); ves > 0) {
+                lines.push_back("Вес: " + core::formatFixed(ves, 3));
+            }
+            row.text = core::join(lines, "\n");
+            break;
+        }
+        case tp::birthResult: {
+            const nlohmann::json record = jsonToDictionary(source);
+            row.text = std::string(jsonText(record, "type") == "2" ? "Кесарево сечение"
+                                                                   : "Естественные роды") +
+                       "\nРост: " + jsonText(record, "rost") + "\nВес: " + jsonText(record, "ves") +
+                       "\nВремя родов: " + jsonText(record, "time");
+            break;
+        }
         // The fields of medication records as old versions stored them, by
         // the positions of the pickers.
         case tp::medicationLength:

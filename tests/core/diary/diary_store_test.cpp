@@ -214,6 +214,17 @@ TEST_F(DiaryStoreTest, FillsTheCatalogueFromADay) {
     dose.source = "2<td>2";
     store.updateNoteToday(dose, list, std::nullopt);
     EXPECT_EQ(dose.text, "1/2 штуки");
+
+    CatalogueRow birth;
+    birth.tp = tp::birthResult;
+    birth.source = R"({"rost":"52","ves":"3.4","type":"2","time":"06:10"})";
+    store.updateNoteToday(birth, list, std::nullopt);
+    EXPECT_EQ(birth.text, "Кесарево сечение\nРост: 52\nВес: 3.4\nВремя родов: 06:10");
+    CatalogueRow scan;
+    scan.tp = tp::ultrasound;
+    scan.source = R"({"rost":"0","ves":"1.25"})";
+    store.updateNoteToday(scan, list, std::nullopt);
+    EXPECT_EQ(scan.text, "Вес: 1.250");
 }
 
 TEST_F(DiaryStoreTest, SavingADayReplacesItWhole) {
@@ -241,8 +252,9 @@ TEST_F(DiaryStoreTest, SavingADayReplacesItWhole) {
     EXPECT_EQ(queryText("select count(*) from childdata"), "2");
 
     // A write that fails halfway (a full disk, say) leaves the day as it was.
-    db().exec("create temp trigger fail before insert on childdata when new.value='сбой' "
-              "begin select raise(abort, 'disk full'); end");
+    db().exec(
+        "create temp trigger fail before insert on childdata when new.value='сбой' "
+        "begin select raise(abort, 'disk full'); end");
     rows[16].source = "сбой";
     rows[9].source = "не сохранится";
     store.saveNoteData(1, rows, list, gid, at("2026-11-20"));
