@@ -7,6 +7,7 @@
 #include "core/text.h"
 #include "core/words.h"
 #include "diary/value_codecs.h"
+#include "medication/regimen_texts.h"
 
 namespace tilika::diary {
 namespace {
@@ -144,14 +145,6 @@ std::string wheelText(int list, int component, std::string_view part) {
     return position < wheel.size() ? wheel[position] : std::string();
 }
 
-std::vector<std::string> numbers(int from, int to) {
-    std::vector<std::string> texts;
-    for (int n = from; n <= to; ++n) {
-        texts.push_back(std::to_string(n));
-    }
-    return texts;
-}
-
 }  // namespace
 
 nlohmann::json oldValueToDic(std::string_view field, std::string_view value,
@@ -226,31 +219,13 @@ std::string oldValueToJson(std::string_view field, std::string_view value,
 }
 
 std::vector<std::string> oldListFor(int list, int component) {
-    if (list == 4) {
-        return component == 0   ? numbers(1, 100)
-               : component == 1 ? std::vector<std::string>{"дни", "недели", "месяцы"}
-                                : std::vector<std::string>{};
-    }
-    if (list == 5) {
-        if (component == 0) {
-            std::vector<std::string> doses{"1/8", "1/4", "1/2"};
-            for (std::string& n : numbers(1, 200)) {
-                doses.push_back(std::move(n));
-            }
-            return doses;
-        }
-        if (component == 1) {
-            return {"мл.",     "мг.",     "шт.",    "мерн.лож.", "ч.лож.",
-                    "ст.лож.", "куб.см.", "впрыск", "капля"};
-        }
+    // Old records stored the positions of the same wheels the course form
+    // still shows.
+    if (list < static_cast<int>(medication::Picker::length) ||
+        list > static_cast<int>(medication::Picker::inter)) {
         return {};
     }
-    if (list == 6) {
-        return component == 0 ? numbers(1, 24)
-               : component == 1 ? std::vector<std::string>{"раз в день", "раз в сутки"}
-                                : std::vector<std::string>{};
-    }
-    return {};
+    return medication::pickerRows(static_cast<medication::Picker>(list), component);
 }
 
 std::string oldList(std::string_view field, std::string_view value) {
