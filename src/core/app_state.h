@@ -3,9 +3,11 @@
 #include <array>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "core/menu_rows.h"
+#include "platform/canvas.h"
 
 namespace tilika::core {
 
@@ -52,9 +54,19 @@ struct AppState {
     bool chatIndi = true;
     bool showRec = true;
     long long backgroundId = 3;
+    // The look that the background gives; screens read it when they are
+    // built. A background without an entry in a colour's table leaves that
+    // colour as it was.
     bool lightTheme = true;
     bool darkBars = true;
     bool colorIcons = true;
+    platform::Color textColor{1, 1, 1};
+    platform::Color accentColor{1, 0.812, 0.255};
+    std::optional<platform::Color> hiliteColor;
+    std::optional<platform::Color> barColor;
+
+    // Texts of the interface by their Russian source, for other languages.
+    std::unordered_map<std::string, std::string> trandic;
 
     double scaleX = 1.0;
     double scaleY = 1.0;

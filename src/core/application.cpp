@@ -8,7 +8,10 @@
 #include "core/settings_keys.h"
 #include "core/text.h"
 #include "diary/profiles.h"
+#include "frame/backgrounds.h"
+#include "frame/translation.h"
 #include "platform/clock.h"
+#include "platform/folders.h"
 #include "platform/log.h"
 #include "platform/settings_store.h"
 #include "platform/shell.h"
@@ -323,19 +326,18 @@ void Application::didFailToRegisterForRemoteNotifications(const std::string& err
     platform::log("Failed to get token, error: " + error);
 }
 
-// Hooks of services that are not part of the program yet. Each is called at
-// the moment its service will need, so the order of launch and activation is
-// already the final one.
-
 void Application::prepareTranslate() {
-    // Russian is the language of the source texts; nothing to load for it.
+    frame::prepareTranslate(state_,
+                            folders_.path(platform::SystemFolder::Root) / "translate.sqlite");
 }
 
 void Application::correctBackground() {
-    // The light theme with dark bars is the only look so far.
-    state_.lightTheme = true;
-    state_.darkBars = true;
+    frame::correctBackground(state_, false);
 }
+
+// Hooks of services that are not part of the program yet. Each is called at
+// the moment its service will need, so the order of launch and activation is
+// already the final one.
 
 void Application::dropboxInit() {
     state_.dropboxReady = false;

@@ -66,9 +66,9 @@ private:
     void fromOldVersionChild1();
     void buildShortcuts();
 
-    // Hooks of services that are not part of the program yet.
     void prepareTranslate();
     void correctBackground();
+    // Hooks of services that are not part of the program yet.
     void dropboxInit();
     bool dropboxHandleOpenUrl(const std::string& url);
     void updateNoteAlarms();

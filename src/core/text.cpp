@@ -124,4 +124,16 @@ std::string replaceAll(std::string_view text, std::string_view from, std::string
     }
 }
 
+std::string_view trimmed(std::string_view text) {
+    std::size_t first = 0;
+    std::size_t last = text.size();
+    while (first < last && (isSpace(text[first]) || text[first] == '\v')) {
+        ++first;
+    }
+    while (last > first && (isSpace(text[last - 1]) || text[last - 1] == '\v')) {
+        --last;
+    }
+    return text.substr(first, last - first);
+}
+
 }  // namespace tilika::core

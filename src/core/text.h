@@ -25,4 +25,7 @@ std::string join(const std::vector<std::string>& pieces, std::string_view separa
 
 std::string replaceAll(std::string_view text, std::string_view from, std::string_view to);
 
+// The text without white space and line breaks at either end.
+std::string_view trimmed(std::string_view text);
+
 }  // namespace tilika::core

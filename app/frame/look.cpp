@@ -1,0 +1,139 @@
+#include "frame/look.h"
+
+#include <QAbstractButton>
+#include <QEvent>
+#include <QLabel>
+#include <QPainter>
+
+#include "core/app_state.h"
+#include "frame/backgrounds.h"
+#include "frame/pictures.h"
+#include "frame/translation.h"
+#include "platform/qt_pictures.h"
+
+namespace tilika::frame {
+
+namespace {
+
+constexpr char kTagProperty[] = "tag";
+
+QColor toQColor(const platform::Color& color) {
+    return QColor::fromRgbF(static_cast<float>(color.r), static_cast<float>(color.g),
+                            static_cast<float>(color.b), static_cast<float>(color.a));
+}
+
+void setTextColor(QWidget* widget, const QColor& color) {
+    QPalette palette = widget->palette();
+    palette.setColor(QPalette::WindowText, color);
+    palette.setColor(QPalette::Text, color);
+    widget->setPalette(palette);
+}
+
+QString translated(const core::AppState& state, const QString& text) {
+    return QString::fromStdString(translate(state, text.toStdString()));
+}
+
+}  // namespace
+
+void setTag(QWidget* widget, int tag) {
+    widget->setProperty(kTagProperty, tag);
+}
+
+int tag(const QObject* object) {
+    const QVariant value = object->property(kTagProperty);
+    return value.isValid() ? value.toInt() : 0;
+}
+
+QWidget* childWithTag(const QWidget* parent, int wanted) {
+    for (QObject* child : parent->children()) {
+        auto* widget = qobject_cast<QWidget*>(child);
+        if (widget != nullptr && tag(widget) == wanted) {
+            return widget;
+        }
+    }
+    return nullptr;
+}
+
+BackdropView::BackdropView(const platform::QtPictures& pictures, QWidget* parent)
+    : QWidget(parent), pictures_(pictures) {
+    setTag(this, kBackdropTag);
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+    parent->installEventFilter(this);
+    setGeometry(parent->rect());
+    lower();
+}
+
+void BackdropView::setPicture(std::string picture) {
+    picture_ = std::move(picture);
+    update();
+}
+
+bool BackdropView::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == parentWidget() && event->type() == QEvent::Resize) {
+        setGeometry(parentWidget()->rect());
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+void BackdropView::paintEvent(QPaintEvent* /*event*/) {
+    const platform::Size natural = pictures_.pictures().naturalSize(picture_);
+    if (natural.width <= 0 || natural.height <= 0) {
+        return;
+    }
+    // Cover the whole view, cutting what sticks out on the long side evenly.
+    const double scale = std::max(width() / natural.width, height() / natural.height);
+    const QSizeF size(natural.width * scale, natural.height * scale);
+    const QRectF target(QPointF((width() - size.width()) / 2, (height() - size.height()) / 2),
+                        size);
+    QPainter painter(this);
+    pictures_.draw(painter, picture_, target);
+}
+
+void correctBackground(QWidget* view, bool bd, core::AppState& state,
+                       const platform::QtPictures& pictures) {
+    const Backdrop backdrop = frame::correctBackground(state, bd);
+    if (view == nullptr) {
+        return;
+    }
+    auto* backdropView = qobject_cast<BackdropView*>(childWithTag(view, kBackdropTag));
+    if (backdropView == nullptr) {
+        backdropView = new BackdropView(pictures, view);
+    }
+    backdropView->setGeometry(view->rect());
+    if (backdrop.plain) {
+        backdropView->hide();
+        QPalette palette = view->palette();
+        palette.setColor(QPalette::Window, toQColor(*backdrop.plain));
+        view->setPalette(palette);
+        view->setAutoFillBackground(true);
+    } else if (!backdrop.picture.empty()) {
+        backdropView->setPicture(backdrop.picture);
+        backdropView->lower();
+        backdropView->show();
+    }
+}
+
+void correctBackgroundText(QWidget* view, const core::AppState& state) {
+    const QColor color = state.lightTheme ? QColor(Qt::black) : QColor(Qt::white);
+    for (QObject* child : view->children()) {
+        auto* widget = qobject_cast<QWidget*>(child);
+        if (widget != nullptr &&
+            (qobject_cast<QLabel*>(widget) != nullptr || tag(widget) == kBackdropTextTag)) {
+            setTextColor(widget, color);
+        }
+    }
+}
+
+void translateView(QWidget* view, const core::AppState& state) {
+    if (state.langid == language::russian) {
+        return;
+    }
+    for (QLabel* label : view->findChildren<QLabel*>()) {
+        label->setText(translated(state, label->text()));
+    }
+    for (QAbstractButton* button : view->findChildren<QAbstractButton*>()) {
+        button->setText(translated(state, button->text()));
+    }
+}
+
+}  // namespace tilika::frame

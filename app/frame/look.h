@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QWidget>
+
+namespace tilika::core {
+struct AppState;
+}
+namespace tilika::platform {
+class QtPictures;
+}
+
+namespace tilika::frame {
+
+// Widgets that screens find again by number carry it as the property "tag".
+void setTag(QWidget* widget, int tag);
+int tag(const QObject* object);
+QWidget* childWithTag(const QWidget* parent, int tag);
+
+inline constexpr int kBackdropTag = -1900;
+inline constexpr int kBackdropTextTag = -1899;
+
+// The picture behind a screen, kept at the size of its parent and scaled to
+// cover it.
+class BackdropView final : public QWidget {
+    Q_OBJECT
+
+public:
+    BackdropView(const platform::QtPictures& pictures, QWidget* parent);
+    void setPicture(std::string picture);
+    const std::string& picture() const { return picture_; }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    const platform::QtPictures& pictures_;
+    std::string picture_;
+};
+
+// Applies the state's background: the look of the process and, given a view,
+// its backdrop (made when it has none) or its plain colour. With bd the
+// picture is the quieter one, for screens with much text.
+void correctBackground(QWidget* view, bool bd, core::AppState& state,
+                       const platform::QtPictures& pictures);
+// Labels directly on the view, and its tagged text view, in the theme's
+// text colour.
+void correctBackgroundText(QWidget* view, const core::AppState& state);
+// Every label's text and every button's title in the state's language.
+void translateView(QWidget* view, const core::AppState& state);
+
+}  // namespace tilika::frame

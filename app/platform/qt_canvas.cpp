@@ -1,0 +1,225 @@
+#include "platform/qt_canvas.h"
+
+#include <QGuiApplication>
+#include <QPagedPaintDevice>
+#include <QPainter>
+#include <QPainterPath>
+#include <QTextLayout>
+
+#include <cmath>
+
+#include "platform/qt_pictures.h"
+
+namespace tilika::platform {
+
+namespace {
+
+QColor toQColor(const Color& color) {
+    return QColor::fromRgbF(static_cast<float>(color.r), static_cast<float>(color.g),
+                            static_cast<float>(color.b), static_cast<float>(color.a));
+}
+
+QRectF toQRect(const Rect& rect) {
+    return QRectF(rect.x, rect.y, rect.width, rect.height);
+}
+
+QPen pen(const Color& color, double width) {
+    QPen result(toQColor(color), width);
+    result.setCapStyle(Qt::RoundCap);
+    result.setJoinStyle(Qt::RoundJoin);
+    return result;
+}
+
+QPainterPath toQPath(const Path& path) {
+    QPainterPath result;
+    for (const auto& element : path.elements()) {
+        const auto& p = element.points;
+        switch (element.verb) {
+            case Path::Verb::MoveTo:
+                result.moveTo(p[0].x, p[0].y);
+                break;
+            case Path::Verb::LineTo:
+                result.lineTo(p[0].x, p[0].y);
+                break;
+            case Path::Verb::CubicTo:
+                result.cubicTo(p[0].x, p[0].y, p[1].x, p[1].y, p[2].x, p[2].y);
+                break;
+            case Path::Verb::ArcTo:
+                result.arcTo(QRectF(QPointF(p[0].x, p[0].y), QPointF(p[1].x, p[1].y)), p[2].x,
+                             p[2].y);
+                break;
+            case Path::Verb::Close:
+                result.closeSubpath();
+                break;
+        }
+    }
+    return result;
+}
+
+// Text is laid out line by line so that measuring and drawing agree, and a
+// word wider than the line (an address, say) breaks instead of running off.
+struct LaidText {
+    std::unique_ptr<QTextLayout> layout;
+    QSizeF size;
+};
+
+LaidText layText(std::string_view text, const QFont& font, double width, TextAlign align) {
+    QString string = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+    string.replace(QLatin1Char('\n'), QChar::LineSeparator);
+    LaidText laid{std::make_unique<QTextLayout>(string, font), {}};
+    QTextOption option;
+    option.setWrapMode(width > 0 ? QTextOption::WrapAtWordBoundaryOrAnywhere
+                                 : QTextOption::ManualWrap);
+    option.setAlignment(align == TextAlign::Center  ? Qt::AlignHCenter
+                        : align == TextAlign::Right ? Qt::AlignRight
+                                                    : Qt::AlignLeft);
+    laid.layout->setTextOption(option);
+    laid.layout->beginLayout();
+    double y = 0;
+    double widest = 0;
+    for (QTextLine line = laid.layout->createLine(); line.isValid();
+         line = laid.layout->createLine()) {
+        if (width > 0) {
+            line.setLineWidth(width);
+        }
+        line.setPosition(QPointF(0, y));
+        y += line.height();
+        widest = std::max(widest, line.naturalTextWidth());
+    }
+    laid.layout->endLayout();
+    laid.size = QSizeF(std::ceil(widest), std::ceil(y));
+    return laid;
+}
+
+}  // namespace
+
+QtCanvas::QtCanvas(QPainter& painter, const QtPictures& pictures, QPagedPaintDevice* pages)
+    : painter_(&painter),
+      pictures_(&pictures),
+      pages_(pages),
+      dpi_(painter.device() != nullptr ? painter.device()->logicalDpiY() : 96) {
+    painter_->setRenderHint(QPainter::Antialiasing);
+    painter_->setRenderHint(QPainter::TextAntialiasing);
+}
+
+QtCanvas::QtCanvas(const QPaintDevice& device) : dpi_(device.logicalDpiY()) {}
+
+QFont QtCanvas::toQFont(const Font& font, int logicalDpi) {
+    QFont result = QGuiApplication::font();
+    // Point sizes are turned into pixels by the device's resolution; this
+    // makes one font unit one unit of the painter.
+    result.setPointSizeF(std::max(0.5, font.size * 72.0 / std::max(1, logicalDpi)));
+    result.setBold(font.weight == FontWeight::Bold);
+    result.setItalic(font.italic);
+    return result;
+}
+
+Size QtCanvas::measureText(std::string_view text, const Font& font, double width) const {
+    if (text.empty()) {
+        return {};
+    }
+    const LaidText laid = layText(text, toQFont(font, dpi_), width, TextAlign::Left);
+    return {laid.size.width(), laid.size.height()};
+}
+
+void QtCanvas::drawText(std::string_view text, const Rect& box, const Font& font,
+                        const Color& color, TextAlign align) {
+    if (painter_ == nullptr || text.empty()) {
+        return;
+    }
+    const LaidText laid = layText(text, toQFont(font, dpi_), box.width, align);
+    painter_->setPen(toQColor(color));
+    laid.layout->draw(painter_, QPointF(box.x, box.y));
+}
+
+void QtCanvas::drawLine(Point from, Point to, const Color& color, double width) {
+    if (painter_ != nullptr) {
+        painter_->setPen(pen(color, width));
+        painter_->drawLine(QPointF(from.x, from.y), QPointF(to.x, to.y));
+    }
+}
+
+void QtCanvas::fillRect(const Rect& rect, const Color& color) {
+    if (painter_ != nullptr) {
+        painter_->fillRect(toQRect(rect), toQColor(color));
+    }
+}
+
+void QtCanvas::strokeRect(const Rect& rect, const Color& color, double width) {
+    if (painter_ != nullptr) {
+        painter_->setPen(pen(color, width));
+        painter_->setBrush(Qt::NoBrush);
+        painter_->drawRect(toQRect(rect));
+    }
+}
+
+void QtCanvas::fillRoundedRect(const Rect& rect, double radius, const Color& color) {
+    if (painter_ != nullptr) {
+        painter_->setPen(Qt::NoPen);
+        painter_->setBrush(toQColor(color));
+        painter_->drawRoundedRect(toQRect(rect), radius, radius);
+    }
+}
+
+void QtCanvas::strokeRoundedRect(const Rect& rect, double radius, const Color& color,
+                                 double width) {
+    if (painter_ != nullptr) {
+        painter_->setPen(pen(color, width));
+        painter_->setBrush(Qt::NoBrush);
+        painter_->drawRoundedRect(toQRect(rect), radius, radius);
+    }
+}
+
+void QtCanvas::drawArc(const Rect& box, double startAngle, double sweepAngle, const Color& color,
+                       double width) {
+    if (painter_ != nullptr) {
+        painter_->setPen(pen(color, width));
+        painter_->setBrush(Qt::NoBrush);
+        // QPainter counts arcs in sixteenths of a degree.
+        painter_->drawArc(toQRect(box), qRound(startAngle * 16), qRound(sweepAngle * 16));
+    }
+}
+
+void QtCanvas::strokePath(const Path& path, const Color& color, double width) {
+    if (painter_ != nullptr) {
+        painter_->strokePath(toQPath(path), pen(color, width));
+    }
+}
+
+void QtCanvas::fillPath(const Path& path, const Color& color) {
+    if (painter_ != nullptr) {
+        painter_->fillPath(toQPath(path), toQColor(color));
+    }
+}
+
+void QtCanvas::drawImage(std::string_view picture, const Rect& rect, double opacity) {
+    if (painter_ != nullptr && pictures_ != nullptr) {
+        pictures_->draw(*painter_, picture, toQRect(rect), opacity);
+    }
+}
+
+void QtCanvas::save() {
+    if (painter_ != nullptr) {
+        painter_->save();
+    }
+}
+
+void QtCanvas::restore() {
+    if (painter_ != nullptr) {
+        painter_->restore();
+    }
+}
+
+void QtCanvas::clip(const Rect& rect) {
+    if (painter_ != nullptr) {
+        painter_->setClipRect(toQRect(rect), Qt::IntersectClip);
+    }
+}
+
+void QtCanvas::newPage() {
+    if (pages_ != nullptr) {
+        pages_->newPage();
+    }
+}
+
+}  // namespace tilika::platform

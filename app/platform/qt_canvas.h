@@ -1,0 +1,54 @@
+#pragma once
+
+#include <QFont>
+
+#include "platform/canvas.h"
+
+class QPaintDevice;
+class QPagedPaintDevice;
+class QPainter;
+
+namespace tilika::platform {
+
+class QtPictures;
+
+// The canvas over QPainter, on a widget, an image or a PDF writer. One unit
+// of the canvas is one unit of the painter, font sizes included, so a layout
+// measured here is drawn the same on any device.
+class QtCanvas final : public Canvas {
+public:
+    // Draws with the painter; with pages, newPage starts the next page.
+    QtCanvas(QPainter& painter, const QtPictures& pictures, QPagedPaintDevice* pages = nullptr);
+    // Only measures, as the device would draw; drawing does nothing.
+    explicit QtCanvas(const QPaintDevice& device);
+
+    Size measureText(std::string_view text, const Font& font, double width) const override;
+    void drawText(std::string_view text, const Rect& box, const Font& font, const Color& color,
+                  TextAlign align) override;
+    void drawLine(Point from, Point to, const Color& color, double width) override;
+    void fillRect(const Rect& rect, const Color& color) override;
+    void strokeRect(const Rect& rect, const Color& color, double width) override;
+    void fillRoundedRect(const Rect& rect, double radius, const Color& color) override;
+    void strokeRoundedRect(const Rect& rect, double radius, const Color& color,
+                           double width) override;
+    void drawArc(const Rect& box, double startAngle, double sweepAngle, const Color& color,
+                 double width) override;
+    void strokePath(const Path& path, const Color& color, double width) override;
+    void fillPath(const Path& path, const Color& color) override;
+    void drawImage(std::string_view picture, const Rect& rect, double opacity) override;
+    void save() override;
+    void restore() override;
+    void clip(const Rect& rect) override;
+    void newPage() override;
+
+    // The Qt font of a canvas font at a device's resolution.
+    static QFont toQFont(const Font& font, int logicalDpi);
+
+private:
+    QPainter* painter_ = nullptr;
+    const QtPictures* pictures_ = nullptr;
+    QPagedPaintDevice* pages_ = nullptr;
+    int dpi_ = 96;
+};
+
+}  // namespace tilika::platform
