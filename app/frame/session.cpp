@@ -12,6 +12,7 @@ namespace tilika::frame {
 Session::Session(const platform::Clock& clock, std::filesystem::path dataDir,
                  std::filesystem::path resourceDir)
     : folders_(std::move(dataDir), std::move(resourceDir)),
+      pictures_(folders_.path(platform::SystemFolder::Root) / "pictures"),
       settings_(folders_.path(platform::SystemFolder::Library) / "settings.json"),
       application_(clock, settings_, folders_, shell_) {
     shell_.setRootFactory([this] { return std::make_unique<MainWindow>(application_.state()); });

@@ -7,7 +7,9 @@
 #include <memory>
 
 #include "core/application.h"
+#include "frame/pictures.h"
 #include "platform/folders.h"
+#include "platform/qt_pictures.h"
 #include "platform/qt_shell.h"
 #include "platform/settings_store.h"
 
@@ -41,6 +43,8 @@ public:
     core::Application& application() { return application_; }
     platform::QtShell& shell() { return shell_; }
     QWidget* rootWindow() const { return shell_.rootWindow(); }
+    // The program's pictures, read once, for every screen to draw with.
+    const platform::QtPictures& pictures() const { return qtPictures_; }
 
     // $XDG_DATA_HOME/tilika, or ~/.local/share/tilika.
     static std::filesystem::path defaultDataDir();
@@ -52,6 +56,8 @@ private:
     void onApplicationStateChanged(Qt::ApplicationState state);
 
     platform::DataFolders folders_;
+    Pictures pictures_;
+    platform::QtPictures qtPictures_{pictures_};
     // Two programs on one folder would overwrite each other's settings and
     // race for the daily copy.
     std::unique_ptr<QLockFile> lock_;

@@ -439,11 +439,13 @@ double TextPage::addPic(const RichItem& item, double top) {
 
 double TextPage::addButton(const RichItem& item, double top) {
     const double s = scale();
-    const Rect frame{kMargin * s, top, std::max(1.0, width_ - 2 * kMargin * s), kButtonHeight * s};
-    elements_.push_back(pictureElement(frame, "grayB.png", PageAction::Link, item.linkid));
-
     const Font font{14 * s};
-    const double textHeight = metrics_->measureText(item.text, font, frame.width).height;
+    const double width = std::max(1.0, width_ - 2 * kMargin * s);
+    const double textHeight = metrics_->measureText(item.text, font, width).height;
+    // A long caption makes the button taller rather than spill out of it.
+    const Rect frame{kMargin * s, top, width,
+                     std::max(kButtonHeight * s, textHeight + 2 * kSpacing * s)};
+    elements_.push_back(pictureElement(frame, "grayB.png", PageAction::Link, item.linkid));
     elements_.push_back(
         textElement(Rect{frame.x, top + (frame.height - textHeight) / 2, frame.width, textHeight},
                     item.text, font, kBlack, platform::TextAlign::Center));

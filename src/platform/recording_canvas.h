@@ -51,7 +51,7 @@ class RecordingCanvas final : public Canvas {
 public:
     Size measureText(std::string_view text, const Font& font, double width) const override;
     void drawText(std::string_view text, const Rect& box, const Font& font, const Color& color,
-                  TextAlign align) override;
+                  TextAlign align = TextAlign::Left) override;
     void drawLine(Point from, Point to, const Color& color, double width) override;
     void fillRect(const Rect& rect, const Color& color) override;
     void strokeRect(const Rect& rect, const Color& color, double width) override;
@@ -62,7 +62,7 @@ public:
                  double width) override;
     void strokePath(const Path& path, const Color& color, double width) override;
     void fillPath(const Path& path, const Color& color) override;
-    void drawImage(std::string_view picture, const Rect& rect, double opacity) override;
+    void drawImage(std::string_view picture, const Rect& rect, double opacity = 1) override;
     void save() override;
     void restore() override;
     void clip(const Rect& rect) override;
