@@ -64,8 +64,11 @@ BackdropView::BackdropView(const platform::QtPictures& pictures, QWidget* parent
 }
 
 void BackdropView::setPicture(std::string picture) {
-    picture_ = std::move(picture);
-    update();
+    if (picture != picture_) {
+        picture_ = std::move(picture);
+        rendered_ = QPixmap();
+        update();
+    }
 }
 
 bool BackdropView::eventFilter(QObject* watched, QEvent* event) {
@@ -76,17 +79,34 @@ bool BackdropView::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void BackdropView::paintEvent(QPaintEvent* /*event*/) {
-    const platform::Size natural = pictures_.pictures().naturalSize(picture_);
-    if (natural.width <= 0 || natural.height <= 0) {
-        return;
+    // A full-window drawing is too costly to render on every repaint of what
+    // lies over it, so it is rendered once for the size and screen.
+    const qreal ratio = devicePixelRatioF();
+    const QSize pixels = (QSizeF(size()) * ratio).toSize();
+    if (rendered_.size() != pixels || rendered_.devicePixelRatio() != ratio) {
+        rendered_ = render(pixels, ratio);
     }
+    if (!rendered_.isNull()) {
+        QPainter(this).drawPixmap(0, 0, rendered_);
+    }
+}
+
+QPixmap BackdropView::render(QSize pixels, qreal ratio) const {
+    const platform::Size natural = pictures_.pictures().naturalSize(picture_);
+    if (natural.width <= 0 || natural.height <= 0 || pixels.isEmpty()) {
+        return {};
+    }
+    QPixmap result(pixels);
+    result.setDevicePixelRatio(ratio);
+    result.fill(Qt::transparent);
     // Cover the whole view, cutting what sticks out on the long side evenly.
     const double scale = std::max(width() / natural.width, height() / natural.height);
-    const QSizeF size(natural.width * scale, natural.height * scale);
-    const QRectF target(QPointF((width() - size.width()) / 2, (height() - size.height()) / 2),
-                        size);
-    QPainter painter(this);
-    pictures_.draw(painter, picture_, target);
+    const QSizeF cover(natural.width * scale, natural.height * scale);
+    const QRectF target(QPointF((width() - cover.width()) / 2, (height() - cover.height()) / 2),
+                        cover);
+    QPainter painter(&result);
+    pictures_.drawVector(painter, picture_, target);
+    return result;
 }
 
 void correctBackground(QWidget* view, bool bd, core::AppState& state,
@@ -100,13 +120,16 @@ void correctBackground(QWidget* view, bool bd, core::AppState& state,
         backdropView = new BackdropView(pictures, view);
     }
     backdropView->setGeometry(view->rect());
-    if (backdrop.plain) {
+    if (backdrop.picture.empty()) {
+        // Plain backdrops, and numbers that stand for no picture at all.
         backdropView->hide();
-        QPalette palette = view->palette();
-        palette.setColor(QPalette::Window, toQColor(*backdrop.plain));
-        view->setPalette(palette);
-        view->setAutoFillBackground(true);
-    } else if (!backdrop.picture.empty()) {
+        if (backdrop.plain) {
+            QPalette palette = view->palette();
+            palette.setColor(QPalette::Window, toQColor(*backdrop.plain));
+            view->setPalette(palette);
+            view->setAutoFillBackground(true);
+        }
+    } else {
         backdropView->setPicture(backdrop.picture);
         backdropView->lower();
         backdropView->show();

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <QPixmap>
 #include <QWidget>
+
+#include <string>
 
 namespace tilika::core {
 struct AppState;
@@ -34,8 +37,11 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    QPixmap render(QSize pixels, qreal ratio) const;
+
     const platform::QtPictures& pictures_;
     std::string picture_;
+    QPixmap rendered_;
 };
 
 // Applies the state's background: the look of the process and, given a view,

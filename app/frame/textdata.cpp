@@ -45,6 +45,16 @@ textdata::textdata(const TextPageEnvironment& environment, const platform::QtPic
     scroll_->setAutoFillBackground(false);
     scroll_->setStyleSheet(QStringLiteral("QScrollArea { background: transparent; }"));
     QScroller::grabGesture(scroll_->viewport(), QScroller::TouchGesture);
+    // A finger that starts on a link and then scrolls the page is no tap.
+    connect(QScroller::scroller(scroll_->viewport()), &QScroller::stateChanged, this,
+            [this](QScroller::State state) {
+                if (state == QScroller::Dragging || state == QScroller::Scrolling) {
+                    surface_->cancelPress();
+                }
+            });
+    // The page is as wide as what shows of it, which changes also when the
+    // scroll bar comes or goes.
+    scroll_->viewport()->installEventFilter(this);
 
     highlightFade_->setStartValue(0.0);
     highlightFade_->setEndValue(1.0);
@@ -67,25 +77,26 @@ textdata::textdata(const TextPageEnvironment& environment, const platform::QtPic
     });
 }
 
-textdata::~textdata() = default;
+textdata::~textdata() {
+    // The surface draws the page, which goes before QWidget deletes the
+    // children; so the surface goes first.
+    delete scroll_;
+}
 
 void textdata::prepareTextFromFile(const QString& name, bool withscroll,
                                    std::optional<QString> append) {
-    page_->setWidth(scroll_->viewport()->width());
     page_->prepareTextFromFile(name.toStdString(), withscroll,
                                append ? std::optional(append->toStdString()) : std::nullopt);
     pageChanged();
 }
 
 void textdata::prepareTextFromString(const QString& markup, bool withscroll) {
-    page_->setWidth(scroll_->viewport()->width());
     page_->prepareTextFromString(markup.toStdString(), withscroll);
     pageChanged();
 }
 
 void textdata::prepareTextFromJSONString(const QString& json, bool withscroll,
                                          std::optional<QString> append) {
-    page_->setWidth(scroll_->viewport()->width());
     page_->prepareTextFromJSONString(json.toStdString(), withscroll,
                                      append ? std::optional(append->toStdString()) : std::nullopt);
     pageChanged();
@@ -96,13 +107,28 @@ void textdata::pageChanged() {
     dimming_->stop();
     surface_->highlightOpacity = 0;
     surface_->dimProgress = 1;
-    const int height = static_cast<int>(std::ceil(page_->contentHeight())) + page_->insets();
-    const bool scrolls = page_->gwithscroll();
-    scroll_->setVerticalScrollBarPolicy(scrolls ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOff);
-    if (scrolls) {
+    scroll_->setVerticalScrollBarPolicy(page_->gwithscroll() ? Qt::ScrollBarAsNeeded
+                                                             : Qt::ScrollBarAlwaysOff);
+    if (page_->gwithscroll()) {
         setMinimumHeight(0);
         setMaximumHeight(QWIDGETSIZE_MAX);
-    } else {
+    }
+    fitWidth();
+    fitHeight();
+}
+
+void textdata::fitWidth() {
+    // Until it is shown the view has no real width; the page is laid out
+    // again once it has.
+    const int width = scroll_->viewport()->width();
+    if (isVisible() && width > 0) {
+        page_->setWidth(width);
+    }
+}
+
+void textdata::fitHeight() {
+    const int height = static_cast<int>(std::ceil(page_->contentHeight())) + page_->insets();
+    if (!page_->gwithscroll()) {
         // A page that doesn't scroll is as high as what it holds.
         setFixedHeight(height);
     }
@@ -113,16 +139,23 @@ void textdata::pageChanged() {
 void textdata::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
     scroll_->setGeometry(rect());
-    const int width = scroll_->viewport()->width();
-    if (width > 0 && width != static_cast<int>(page_->width())) {
-        page_->setWidth(width);
-        const int height = static_cast<int>(std::ceil(page_->contentHeight())) + page_->insets();
-        surface_->resize(width, height);
-        if (!page_->gwithscroll()) {
-            setFixedHeight(height);
+}
+
+void textdata::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    fitWidth();
+    fitHeight();
+}
+
+bool textdata::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == scroll_->viewport() && event->type() == QEvent::Resize) {
+        const int width = scroll_->viewport()->width();
+        if (width > 0 && width != static_cast<int>(page_->width())) {
+            fitWidth();
+            fitHeight();
         }
-        surface_->update();
     }
+    return QWidget::eventFilter(watched, event);
 }
 
 long long textdata::scrollToGroup(long long position) {
@@ -216,12 +249,18 @@ void TextSurface::paintEvent(QPaintEvent* event) {
         dimProgress, highlightOpacity);
 }
 
+void TextSurface::cancelPress() {
+    pressed_.reset();
+}
+
 void TextSurface::mousePressEvent(QMouseEvent* event) {
     const QPointF at = event->position();
     const PageHit hit = owner_.page().hitTest({at.x(), at.y()});
     if (hit.action != PageAction::None) {
         pressed_ = hit;
-        pressPoint_ = at;
+        // On the screen, not on the surface: the surface moves with a finger
+        // that scrolls it.
+        pressPoint_ = event->globalPosition();
     } else {
         pressed_.reset();
     }
@@ -230,7 +269,7 @@ void TextSurface::mousePressEvent(QMouseEvent* event) {
 
 void TextSurface::mouseReleaseEvent(QMouseEvent* event) {
     const QPointF at = event->position();
-    if (pressed_ && (at - pressPoint_).manhattanLength() <= kTapSlop) {
+    if (pressed_ && (event->globalPosition() - pressPoint_).manhattanLength() <= kTapSlop) {
         const PageHit hit = owner_.page().hitTest({at.x(), at.y()});
         if (sameTarget(hit, *pressed_)) {
             const PageHit tapped = *pressed_;

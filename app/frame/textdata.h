@@ -66,10 +66,14 @@ signals:
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     friend class TextSurface;
     void pageChanged();
+    void fitWidth();
+    void fitHeight();
     void tapped(const PageHit& hit);
     long long scrollToGroup(long long position);
 
@@ -92,6 +96,9 @@ public:
 
     double highlightOpacity = 0;
     double dimProgress = 1;
+
+    // Forgets a press, so its release is no tap.
+    void cancelPress();
 
 protected:
     void paintEvent(QPaintEvent* event) override;

@@ -56,6 +56,8 @@ QPainterPath toQPath(const Path& path) {
     return result;
 }
 
+constexpr double kUnwrapped = 1e7;
+
 // Text is laid out line by line so that measuring and drawing agree, and a
 // word wider than the line (an address, say) breaks instead of running off.
 struct LaidText {
@@ -63,13 +65,19 @@ struct LaidText {
     QSizeF size;
 };
 
-LaidText layText(std::string_view text, const QFont& font, double width, TextAlign align) {
+LaidText layText(std::string_view text, const QFont& font, const QPaintDevice* device, double width,
+                 TextAlign align) {
     QString string = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
     string.replace(QLatin1Char('\n'), QChar::LineSeparator);
-    LaidText laid{std::make_unique<QTextLayout>(string, font), {}};
+    // The font is resolved at the device's own resolution, the one its point
+    // size was computed for.
+    LaidText laid{std::make_unique<QTextLayout>(string, font, device), {}};
     QTextOption option;
     option.setWrapMode(width > 0 ? QTextOption::WrapAtWordBoundaryOrAnywhere
                                  : QTextOption::ManualWrap);
+    if (width <= 0) {
+        align = TextAlign::Left;
+    }
     option.setAlignment(align == TextAlign::Center  ? Qt::AlignHCenter
                         : align == TextAlign::Right ? Qt::AlignRight
                                                     : Qt::AlignLeft);
@@ -79,9 +87,8 @@ LaidText layText(std::string_view text, const QFont& font, double width, TextAli
     double widest = 0;
     for (QTextLine line = laid.layout->createLine(); line.isValid();
          line = laid.layout->createLine()) {
-        if (width > 0) {
-            line.setLineWidth(width);
-        }
+        // Without a width each paragraph is one line, as long as it is.
+        line.setLineWidth(width > 0 ? width : kUnwrapped);
         line.setPosition(QPointF(0, y));
         y += line.height();
         widest = std::max(widest, line.naturalTextWidth());
@@ -94,15 +101,17 @@ LaidText layText(std::string_view text, const QFont& font, double width, TextAli
 }  // namespace
 
 QtCanvas::QtCanvas(QPainter& painter, const QtPictures& pictures, QPagedPaintDevice* pages)
-    : painter_(&painter),
-      pictures_(&pictures),
-      pages_(pages),
-      dpi_(painter.device() != nullptr ? painter.device()->logicalDpiY() : 96) {
+    : painter_(&painter), pictures_(&pictures), pages_(pages), device_(painter.device()) {
     painter_->setRenderHint(QPainter::Antialiasing);
     painter_->setRenderHint(QPainter::TextAntialiasing);
 }
 
-QtCanvas::QtCanvas(const QPaintDevice& device) : dpi_(device.logicalDpiY()) {}
+QtCanvas::QtCanvas(const QPaintDevice& device) : device_(&device) {}
+
+int QtCanvas::dpi() const {
+    // Read each time: a window moved to another screen changes it.
+    return device_ != nullptr ? device_->logicalDpiY() : 96;
+}
 
 QFont QtCanvas::toQFont(const Font& font, int logicalDpi) {
     QFont result = QGuiApplication::font();
@@ -118,7 +127,7 @@ Size QtCanvas::measureText(std::string_view text, const Font& font, double width
     if (text.empty()) {
         return {};
     }
-    const LaidText laid = layText(text, toQFont(font, dpi_), width, TextAlign::Left);
+    const LaidText laid = layText(text, toQFont(font, dpi()), device_, width, TextAlign::Left);
     return {laid.size.width(), laid.size.height()};
 }
 
@@ -127,7 +136,7 @@ void QtCanvas::drawText(std::string_view text, const Rect& box, const Font& font
     if (painter_ == nullptr || text.empty()) {
         return;
     }
-    const LaidText laid = layText(text, toQFont(font, dpi_), box.width, align);
+    const LaidText laid = layText(text, toQFont(font, dpi()), device_, box.width, align);
     painter_->setPen(toQColor(color));
     laid.layout->draw(painter_, QPointF(box.x, box.y));
 }

@@ -19,7 +19,8 @@ class QtCanvas final : public Canvas {
 public:
     // Draws with the painter; with pages, newPage starts the next page.
     QtCanvas(QPainter& painter, const QtPictures& pictures, QPagedPaintDevice* pages = nullptr);
-    // Only measures, as the device would draw; drawing does nothing.
+    // Only measures, as the device would draw; drawing does nothing. The
+    // device must outlive the canvas.
     explicit QtCanvas(const QPaintDevice& device);
 
     Size measureText(std::string_view text, const Font& font, double width) const override;
@@ -45,10 +46,12 @@ public:
     static QFont toQFont(const Font& font, int logicalDpi);
 
 private:
+    int dpi() const;
+
     QPainter* painter_ = nullptr;
     const QtPictures* pictures_ = nullptr;
     QPagedPaintDevice* pages_ = nullptr;
-    int dpi_ = 96;
+    const QPaintDevice* device_ = nullptr;
 };
 
 }  // namespace tilika::platform

@@ -99,4 +99,17 @@ void QtPictures::draw(QPainter& painter, std::string_view name, const QRectF& re
     painter.restore();
 }
 
+void QtPictures::drawVector(QPainter& painter, std::string_view name, const QRectF& rect) const {
+    const QString file = QString::fromStdString(pictures_.file(name).string());
+    if (file.endsWith(QLatin1String(".svg"))) {
+        if (QSvgRenderer* svg = renderer(file)) {
+            painter.setRenderHint(QPainter::Antialiasing);
+            svg->render(&painter, rect);
+        }
+    } else if (!file.isEmpty()) {
+        painter.setRenderHint(QPainter::SmoothPixmapTransform);
+        painter.drawImage(rect, QImage(file));
+    }
+}
+
 }  // namespace tilika::platform

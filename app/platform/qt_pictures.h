@@ -20,7 +20,8 @@ namespace tilika::platform {
 
 // Paints the program's pictures. Drawings are rendered once per size and
 // kept, since the same icons are drawn on every row of a list; on a printed
-// page they stay vectors.
+// page they stay vectors. Its caches are not locked: a drawing made off the
+// main thread takes a QtPictures of its own.
 class QtPictures {
 public:
     explicit QtPictures(const frame::Pictures& pictures);
@@ -34,6 +35,9 @@ public:
     // is no picture of ours.
     void draw(QPainter& painter, std::string_view name, const QRectF& rect,
               double opacity = 1) const;
+    // Renders the drawing straight onto the painter, without keeping it; for
+    // pictures drawn once, such as a backdrop. Rasters are drawn as they are.
+    void drawVector(QPainter& painter, std::string_view name, const QRectF& rect) const;
     // The picture at this size in device pixels; a null image when there is
     // no such picture.
     QImage image(std::string_view name, QSize pixels) const;

@@ -60,8 +60,8 @@ struct AppState {
     bool lightTheme = true;
     bool darkBars = true;
     bool colorIcons = true;
-    platform::Color textColor{1, 1, 1};
-    platform::Color accentColor{1, 0.812, 0.255};
+    platform::Color textColor{0, 0, 0};
+    platform::Color accentColor{0.7, 0, 0};
     std::optional<platform::Color> hiliteColor;
     std::optional<platform::Color> barColor;
 

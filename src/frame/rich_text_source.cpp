@@ -2,6 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <cmath>
 #include <fstream>
 #include <limits>
@@ -16,6 +17,10 @@ namespace tilika::frame {
 namespace {
 
 using core::trimmed;
+
+// Pages come from the server too. Past this many items the rest of a page is
+// left out, which keeps a hostile or broken one from taking all the memory.
+constexpr std::size_t kMaxItems = 100'000;
 
 // A kind is read as a number with a fraction and cut to a whole one; what no
 // whole number can hold is no kind at all.
@@ -130,8 +135,9 @@ std::vector<RichGroup> groupsFromJson(std::string_view text) {
     if (!root.is_array()) {
         return groups;
     }
+    std::size_t count = 0;
     for (const auto& entry : root) {
-        if (!entry.is_object()) {
+        if (!entry.is_object() || count >= kMaxItems) {
             continue;
         }
         RichGroup group;
@@ -141,6 +147,9 @@ std::vector<RichGroup> groupsFromJson(std::string_view text) {
         if (const auto content = entry.find("Content");
             content != entry.end() && content->is_array()) {
             for (const auto& object : *content) {
+                if (count++ >= kMaxItems) {
+                    break;
+                }
                 group.items.push_back(itemFromJson(object, group.groupid));
             }
         }
@@ -162,6 +171,9 @@ std::vector<RichItem> parseMarkup(std::string_view markup) {
     std::vector<RichItem> items;
     long long groupid = 0;
     forEachPiece(markup, "<br>", [&](std::string_view record) {
+        if (items.size() >= kMaxItems) {
+            return;
+        }
         RichItem item;
         item.groupid = groupid;
         forEachPiece(record, "<tr>", [&](std::string_view field) {
@@ -196,14 +208,31 @@ std::vector<RichGroup> parseJson(std::string_view json, std::optional<std::strin
             ++next;
         }
     }
-    for (; next < extra.size(); ++next) {
-        auto place = groups.begin();
-        while (place != groups.end() && place->groupid <= extra[next].groupid) {
-            ++place;
-        }
-        groups.insert(place, std::move(extra[next]));
+    // The rest go before the first of the page's own groups with a larger
+    // number. The largest number so far only grows along the page, so that
+    // place is found by halving.
+    std::vector<long long> largestSoFar;
+    for (const auto& group : groups) {
+        largestSoFar.push_back(
+            std::max(group.groupid, largestSoFar.empty() ? group.groupid : largestSoFar.back()));
     }
-    return groups;
+    std::vector<std::vector<RichGroup>> before(groups.size() + 1);
+    for (; next < extra.size(); ++next) {
+        const auto place = static_cast<std::size_t>(
+            std::upper_bound(largestSoFar.begin(), largestSoFar.end(), extra[next].groupid) -
+            largestSoFar.begin());
+        before[place].push_back(std::move(extra[next]));
+    }
+    std::vector<RichGroup> merged;
+    for (std::size_t i = 0; i <= groups.size(); ++i) {
+        for (auto& group : before[i]) {
+            merged.push_back(std::move(group));
+        }
+        if (i < groups.size()) {
+            merged.push_back(std::move(groups[i]));
+        }
+    }
+    return merged;
 }
 
 std::string extractGroupText(std::string_view markup, long long groupid) {

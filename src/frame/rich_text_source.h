@@ -44,7 +44,8 @@ struct RichGroup {
 // The markup: records cut by "<br>", fields by "<tr>", a field's key from
 // its value by "<val>". Every record starts from the defaults except its
 // group, which carries on from the record before until a record names
-// another. Fields that can't be read are left out.
+// another. Fields that can't be read are left out, and so is everything past
+// the hundred thousandth item.
 std::vector<RichItem> parseMarkup(std::string_view markup);
 
 // The JSON form: an array of groups, each with "groupid" and its "Content".

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <chrono>
+#include <limits>
+#include <set>
 
 #include "core/app_state.h"
 #include "core/dates.h"
@@ -38,6 +40,8 @@ constexpr double kBottomMargin = 20;
 // is seen on both sides of a step.
 constexpr long long kWindowLast = 5;
 constexpr long long kWindowStep = 5;
+// Far beyond any page, and far from overflowing when the window moves on.
+constexpr long long kLastGroup = std::numeric_limits<long long>::max() / 4;
 
 struct ItemStyle {
     double fontSize;
@@ -174,11 +178,13 @@ void TextPage::prepareTextFromFile(std::string_view name, bool withscroll,
 }
 
 void TextPage::prepareTextFromString(std::string_view markup, bool withscroll) {
+    gfl_.clear();
     build(Source{false, std::string(markup), std::nullopt}, withscroll);
 }
 
 void TextPage::prepareTextFromJSONString(std::string_view json, bool withscroll,
                                          std::optional<std::string> append) {
+    gfl_.clear();
     build(Source{true, std::string(json), std::move(append)}, withscroll);
 }
 
@@ -312,7 +318,13 @@ std::string TextPage::expandFormat(const RichItem& item) const {
             tokens.back().push_back(c);
         }
     }
+    // Each token is replaced once, everywhere it stands: a text that itself
+    // holds "CAP" is not expanded again and again.
+    std::set<std::string> done;
     for (const auto& token : tokens) {
+        if (!done.insert(token).second) {
+            continue;
+        }
         if (token == "CAP") {
             result = core::replaceAll(result, "CAP", item.text);
             continue;
@@ -336,27 +348,19 @@ double TextPage::addText(const RichItem& item, double top) {
     const double s = scale();
     const std::string text = expandFormat(item);
 
-    if (item.tp == richtp::picture) {
-        // The caption under a picture of the JSON form.
-        if (text.empty()) {
-            return top;
-        }
-        const Font font{12 * s};
-        const double width = std::max(1.0, width_ - 2 * kMargin * s);
-        const double height = metrics_->measureText(text, font, width).height;
-        elements_.push_back(textElement(Rect{kMargin * s, top, width, height}, text, font,
-                                        scolor_ ? gcolor_ : kBlack, platform::TextAlign::Center));
-        return top + height + gap();
-    }
-
-    const auto style = styleOf(item.tp);
-    if (!style) {
-        return top + gap();
+    // Under a picture of the JSON form the item's text is its caption; the
+    // picture itself is already drawn, its check box and link are not.
+    const bool caption = item.tp == richtp::picture;
+    const auto style = caption ? std::optional(ItemStyle{12, 0, false, false}) : styleOf(item.tp);
+    if (!style ||
+        (caption && text.empty() && !item.checkid && item.linkid == 0 && item.weblink.empty())) {
+        return caption ? top : top + gap();
     }
     top += style->above * s;
     const Font font{style->fontSize * s, style->bold ? FontWeight::Bold : FontWeight::Regular};
     const Color color =
         scolor_ ? (style->title ? gtcolor_ : gcolor_) : (style->title ? kChildTitle : kBlack);
+    const auto align = caption ? platform::TextAlign::Center : platform::TextAlign::Left;
 
     double left = kMargin * s;
     double right = width_ - kMargin * s;
@@ -379,11 +383,11 @@ double TextPage::addText(const RichItem& item, double top) {
                PageAction::Check, static_cast<long long>(checkAr_.size()) + 1000);
         left += (kCheckSize + kSpacing) * s;
     }
-    if (!item.pic.empty()) {
+    if (!item.pic.empty() && !caption) {
         square(themed(item.pic), left, kPictureSize * s, PageAction::None, 0);
         left += (kPictureSize + kSpacing) * s;
     }
-    if (!item.bigpic.empty()) {
+    if (!item.bigpic.empty() && !caption) {
         right -= kPictureSize * s;
         square(themed(item.bigpic), right, kPictureSize * s, PageAction::None, 0);
         right -= kSpacing * s;
@@ -420,7 +424,7 @@ double TextPage::addText(const RichItem& item, double top) {
     if (!text.empty()) {
         elements_.push_back(textElement(
             Rect{left, top + (lineHeight - textSize.height) / 2, textWidth, textSize.height}, text,
-            font, color));
+            font, color, align));
     }
     return top + lineHeight + gap();
 }
@@ -473,6 +477,7 @@ void TextPage::addGroup(long long group, double top, double bottom) {
 // ---- Groups ----
 
 void TextPage::specialPartial(long long group) {
+    group = std::min(group, kLastGroup);
     if (group < 0) {
         partialstart_ = -1;
     } else if (group < 3) {
@@ -492,7 +497,7 @@ void TextPage::prevGroup() {
 }
 
 void TextPage::contClick() {
-    partialstart_ += kWindowStep;
+    partialstart_ = std::min(partialstart_ + kWindowStep, kLastGroup);
     reload();
 }
 
@@ -538,24 +543,25 @@ long long TextPage::visibleGroup(long long group, bool justthis) {
 
 void TextPage::alphaGroup(long long group, bool justthis) {
     lastAlpha_ = {group, justthis};
+    // Groups are laid one below the other, so each element finds the one it
+    // lies in by its position.
     for (auto& element : elements_) {
         element.fromAlpha = element.alpha;
-    }
-    for (const auto& entry : groupData_) {
-        double alpha = -1;
-        if ((justthis && entry.groupid == group) ||
-            (!justthis && entry.groupid >= 1 && entry.groupid <= group)) {
-            alpha = 1.0;
-        } else if (justthis || entry.groupid > group) {
-            alpha = 0.3;
-        }
-        if (alpha < 0) {
+        const auto after =
+            std::upper_bound(groupData_.begin(), groupData_.end(), element.frame.y,
+                             [](double y, const PageGroup& entry) { return y < entry.top; });
+        if (after == groupData_.begin()) {
             continue;
         }
-        for (auto& element : elements_) {
-            if (element.frame.y >= entry.top && element.frame.y < entry.bottom) {
-                element.alpha = alpha;
-            }
+        const PageGroup& entry = *std::prev(after);
+        if (element.frame.y >= entry.bottom) {
+            continue;
+        }
+        if ((justthis && entry.groupid == group) ||
+            (!justthis && entry.groupid >= 1 && entry.groupid <= group)) {
+            element.alpha = 1.0;
+        } else if (justthis || entry.groupid > group) {
+            element.alpha = 0.3;
         }
     }
 }

@@ -176,11 +176,11 @@ private slots:
         screen.resize(200, 300);
         auto* label = new QLabel(QStringLiteral("Дневник"), &screen);
         auto* button = new QPushButton(QStringLiteral("Настройки"), &screen);
+        state_->trandic = {{"Дневник", "Tagebuch"}, {"Настройки", "Einstellungen"}};
         frame::translateView(&screen, *state_);
         QCOMPARE(label->text(), QStringLiteral("Дневник"));
 
         state_->langid = 2;
-        state_->trandic = {{"Дневник", "Tagebuch"}, {"Настройки", "Einstellungen"}};
         frame::translateView(&screen, *state_);
         QCOMPARE(label->text(), QStringLiteral("Tagebuch"));
         QCOMPARE(button->text(), QStringLiteral("Einstellungen"));
@@ -201,6 +201,14 @@ private slots:
         QCOMPARE(screen.palette().color(QPalette::Window).redF(), 0.93f);
         frame::correctBackgroundText(&screen, *state_);
         QCOMPARE(label->palette().color(QPalette::WindowText), QColor(Qt::black));
+
+        // A number that stands for no picture hides the backdrop too.
+        state_->backgroundId = 5;
+        frame::correctBackground(&screen, false, *state_, qtPictures_);
+        QVERIFY(!backdrop->isHidden());
+        state_->backgroundId = 0;
+        frame::correctBackground(&screen, false, *state_, qtPictures_);
+        QVERIFY(backdrop->isHidden());
     }
 
     void canvasMeasuresAsItDrawsOnImagesAndPdf() {
@@ -212,21 +220,35 @@ private slots:
         const auto size = measuring.measureText(text, font, 120);
         QVERIFY(size.width <= 120);
         QVERIFY(size.height > measuring.measureText("Слово", font, 120).height * 2);
+        // Without a width each paragraph is one line.
+        const auto lines = measuring.measureText("Раз\nДва три", font, 0);
+        QVERIFY(lines.width > measuring.measureText("Два", font, 0).width);
+        QVERIFY(lines.height > measuring.measureText("Раз", font, 0).height * 1.5);
         {
             QPainter painter(&image);
             platform::QtCanvas canvas(painter, qtPictures_);
             canvas.drawText(text, {10, 10, 120, size.height}, font, {0, 0, 0});
+            canvas.drawText("Раз\nДва три", {150, 120, 0, 0}, font, {0, 0, 0});
             canvas.drawImage("c-ne-tooth.png", {200, 10, 64, 64}, 1);
         }
         QVERIFY(darkPixels(image, {10, 10, 120, size.height}) > 50);
         QCOMPARE(darkPixels(image, {10, 10 + size.height + 4, 120, 40}), 0);
+        // The second line of the unwrapped text is drawn below the first.
+        QVERIFY(darkPixels(image, {150, 120 + lines.height / 2 + 1, 100, lines.height / 2}) > 20);
 
+        // On a PDF page, whose resolution is far from the screen's, text is
+        // as high in the page's units as it was measured.
         QTemporaryDir dir;
         const QString file = dir.filePath(QStringLiteral("pages.pdf"));
+        QImage page;
         {
             QPdfWriter writer(file);
+            writer.setResolution(1200);
             QPainter painter(&writer);
             platform::QtCanvas canvas(painter, qtPictures_, &writer);
+            const auto measured = canvas.measureText("Страница", platform::Font{200}, 0);
+            QVERIFY2(measured.height > 200 && measured.height < 300,
+                     qPrintable(QString::number(measured.height)));
             canvas.drawText("Страница 1", {100, 100, 2000, 400}, platform::Font{200}, {0, 0, 0});
             canvas.newPage();
             canvas.drawImage("ne-tooth.png", {100, 100, 1000, 1000}, 1);
@@ -234,6 +256,25 @@ private slots:
         QFile pdf(file);
         QVERIFY(pdf.open(QIODevice::ReadOnly));
         QCOMPARE(pdf.readAll().count("/Type /Page\n") + 0, 2);
+    }
+
+    void pageFollowsTheWidthThatShows() {
+        frame::textdata view(environment(), qtPictures_);
+        view.resize(360, 200);
+        view.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&view));
+        QString markup;
+        for (int i = 1; i <= 30; ++i) {
+            markup += QStringLiteral("<br>tp<val>4<tr>text<val>Строка %1").arg(i);
+        }
+        view.prepareTextFromString(markup, true);
+        QTRY_VERIFY(view.scrollArea()->verticalScrollBar()->isVisible());
+        const int viewport = view.scrollArea()->viewport()->width();
+        QVERIFY(viewport < 360);
+        QTRY_COMPARE(static_cast<int>(view.page().width()), viewport);
+
+        view.prepareTextFromString(QStringLiteral("tp<val>4<tr>text<val>Коротко"), true);
+        QTRY_COMPARE(static_cast<int>(view.page().width()), 360);
     }
 
 private:

@@ -61,8 +61,11 @@ TEST(BackgroundsTest, EachBackgroundGivesItsLook) {
     EXPECT_EQ(state.hiliteColor, (Color{0.706, 0.471, 0, 1}));
     EXPECT_EQ(state.barColor, (Color{0.537, 0.11, 0.11}));
     state.backgroundId = 0;
+    state.lightTheme = false;
+    state.textColor = Color{0.5, 0.5, 0.5};
     EXPECT_TRUE(correctBackground(state, false).picture.empty());
-    EXPECT_TRUE(state.lightTheme);
+    EXPECT_FALSE(state.lightTheme);
+    EXPECT_EQ(state.textColor, (Color{0.5, 0.5, 0.5}));
 }
 
 TEST(BackgroundsTest, ChoosingStoresAndMarksEverythingForRedrawing) {
@@ -84,7 +87,12 @@ TEST(BackgroundsTest, ChoosingStoresAndMarksEverythingForRedrawing) {
 
 TEST(BackgroundsTest, ColourHelpers) {
     EXPECT_FALSE(darkerColor({0.5, 0.5, 0.5}, 0));
-    EXPECT_EQ(darkerColor({0.5, 0.2, 0.9, 0.4}, 0.3), (Color{0.2, 0, 0.6000000000000001, 0.4}));
+    const auto darker = darkerColor({0.5, 0.2, 0.9, 0.4}, 0.3);
+    ASSERT_TRUE(darker);
+    EXPECT_NEAR(darker->r, 0.2, 1e-9);
+    EXPECT_EQ(darker->g, 0);
+    EXPECT_NEAR(darker->b, 0.6, 1e-9);
+    EXPECT_EQ(darker->a, 0.4);
     EXPECT_EQ(darkerColor({0.5, 0.9, 0}, -0.3), (Color{0.8, 1, 0.3}));
 
     platform::Image image{2, 1, {255, 0, 0, 255, 200, 100, 50, 128}};

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <limits>
 
 #include "core/app_state.h"
 #include "core/dates.h"
@@ -317,10 +318,46 @@ TEST_F(TextPageTest, JsonPagesWithButtonsPicturesAndWebLinks) {
     EXPECT_EQ(commands[2].rect, (Rect{10, commands[2].rect.y, 300, 200}));
 
     EXPECT_EQ(page->hitTest({100, commands[0].rect.y + 5}).tag, 4);
+    // A caption without a link is no target.
+    EXPECT_EQ(page->hitTest({160, commands[3].rect.y + 2}).action, PageAction::None);
     const auto web = page->hitTest({100, commands[5].rect.y + 5});
     EXPECT_EQ(web.action, PageAction::OpenLink);
     EXPECT_EQ(web.url, "https://example.org/a.png");
     EXPECT_EQ(page->htmlData().size(), 1u);
+}
+
+TEST_F(TextPageTest, JsonGroupsInWindowsAndAlone) {
+    std::string json = "[";
+    for (int i = 1; i <= 12; ++i) {
+        json += (i > 1 ? "," : "") + std::string("{\"groupid\": ") + std::to_string(i) +
+                ", \"Content\": [{\"tp\": 3, \"text\": \"Заголовок " + std::to_string(i) +
+                "\"}, {\"tp\": 4, \"text\": \"Текст " + std::to_string(i) + "\"}]}";
+    }
+    json += "]";
+    page->specialPartial(7);
+    page->prepareTextFromJSONString(json, true);
+    EXPECT_EQ(texts().front(), "Заголовок 4");
+    EXPECT_EQ(texts().back(), "Текст 9");
+    EXPECT_TRUE(hasAction(PageAction::Previous));
+    EXPECT_TRUE(hasAction(PageAction::Next));
+
+    page->specialPartial(-1);
+    page->justGroup(11);
+    page->prepareTextFromJSONString(json, true);
+    EXPECT_EQ(texts(), (std::vector<std::string>{"Текст 11"}));
+
+    // A picture with a caption, a link and a check box keeps all three.
+    page->justGroup(-1);
+    page->prepareTextFromJSONString(
+        R"([{"groupid": 1, "Content": [{"tp": 6, "pic": "photo.png", "text": "Баннер",
+             "linkid": 8, "checkid": "5"}]}])",
+        true);
+    EXPECT_EQ(page->checkAr().size(), 1u);
+    const auto commands = drawn();
+    ASSERT_EQ(commands.size(), 4u);
+    EXPECT_EQ(commands[3].text, "Баннер");
+    EXPECT_EQ(commands[3].align, platform::TextAlign::Center);
+    EXPECT_EQ(page->hitTest({200, commands[3].rect.y + 2}).tag, 8);
 }
 
 TEST_F(TextPageTest, BadSourcesGiveWhatCanBeRead) {
@@ -342,6 +379,13 @@ TEST_F(TextPageTest, BadSourcesGiveWhatCanBeRead) {
         page->prepareTextFromJSONString(json, true, std::string("not json"));
         EXPECT_TRUE(texts().empty()) << json;
     }
+
+    // A window asked for far beyond any page moves on without overflowing.
+    page->specialPartial(std::numeric_limits<long long>::max());
+    page->prepareTextFromFile("chapters", true);
+    page->contClick();
+    EXPECT_TRUE(texts().empty());
+    page->specialPartial(-1);
 
     // A missing file, or a name that would leave the folder, shows the
     // empty page of the bundle.
