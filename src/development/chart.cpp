@@ -74,6 +74,8 @@ void dashedLine(Canvas& canvas, const std::vector<Point>& points, const Color& c
     }
 }
 
+// The curve itself; its labelled points come after, so that no clip of the
+// plot area cuts a label at its edge.
 void drawNewLine(Canvas& canvas, const GraphDic& dic, const std::vector<GraphPoint>& data,
                  const Rect& plot, int type, const Color& fore, const Ink& ink) {
     const double z = dic.zoom;
@@ -116,6 +118,11 @@ void drawNewLine(Canvas& canvas, const GraphDic& dic, const std::vector<GraphPoi
             canvas.strokePath(line, ink(fore), width);
         }
     }
+}
+
+void drawLabels(Canvas& canvas, const GraphDic& dic, const std::vector<GraphPoint>& data,
+                const Rect& plot, int type, const Color& fore, const Ink& ink) {
+    const double z = dic.zoom;
     const Color text = ink(dic.textColor.value_or(kDarkText));
     const Font labelFont{9 * z};
     for (const auto& point : data) {
@@ -133,6 +140,12 @@ void drawNewLine(Canvas& canvas, const GraphDic& dic, const std::vector<GraphPoi
                             labelFont, text, TextAlign::Center);
         }
     }
+}
+
+// The first curve is in the main colour unless given its own.
+Color curveColor(const GraphDic& dic, std::size_t index) {
+    return dic.graphColor[index].value_or(index == 0 ? dic.mainColor.value_or(kMainColor)
+                                                     : nextColor(static_cast<int>(index) + 1));
 }
 
 }  // namespace
@@ -271,28 +284,28 @@ void drawNewGraph(Canvas& canvas, const GraphDic& dic, const Rect& rect, bool gr
         canvas.save();
         canvas.clip(plot);
         for (std::size_t i = 0; i < dic.graph.size(); ++i) {
-            const Color fore = dic.graphColor[i].value_or(
-                i == 0 ? dic.mainColor.value_or(kMainColor) : nextColor(static_cast<int>(i) + 1));
-            drawNewLine(canvas, dic, dic.graph[i], plot, dic.graphType[i], fore, ink);
+            drawNewLine(canvas, dic, dic.graph[i], plot, dic.graphType[i], curveColor(dic, i), ink);
         }
-        drawNewLine(canvas, dic, dic.points, plot, linestyle::dotsOnly,
-                    dic.mainColor.value_or(kMainColor), ink);
+        canvas.restore();
+        for (std::size_t i = 0; i < dic.graph.size(); ++i) {
+            drawLabels(canvas, dic, dic.graph[i], plot, dic.graphType[i], curveColor(dic, i), ink);
+        }
+        drawLabels(canvas, dic, dic.points, plot, linestyle::dotsOnly,
+                   dic.mainColor.value_or(kMainColor), ink);
         for (const auto& hint : dic.imageHints) {
             if (const auto at = getPoint(dic, hint.x, hint.y, plot)) {
                 canvas.drawImage(hint.picture, Rect{at->x - 8 * z, at->y - 8 * z, 16 * z, 16 * z},
                                  1);
             }
         }
-        canvas.restore();
     }
 
     double bottom = plot.bottom() + (dic.bottomLine != 0 ? 16 * z : 0);
     if (!dic.legenda.empty()) {
         double x = plot.x;
         for (const auto& entry : dic.legenda) {
-            const int index = std::clamp(entry.pos, 1, 3) - 1;
-            const Color color = dic.graphColor[static_cast<std::size_t>(index)].value_or(
-                index == 0 ? dic.mainColor.value_or(kMainColor) : nextColor(index + 1));
+            const Color color =
+                curveColor(dic, static_cast<std::size_t>(std::clamp(entry.pos, 1, 3) - 1));
             const double alpha = entry.checked ? 1 : 0.35;
             canvas.fillRect(Rect{x, bottom + 4 * z, 10 * z, 6 * z}, ink(withAlpha(color, alpha)));
             const double width = canvas.measureText(entry.caption, small, 0).width;

@@ -1,0 +1,225 @@
+#include "development/ruler_view.h"
+
+#include <QEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QScrollBar>
+#include <QScroller>
+#include <QVBoxLayout>
+
+namespace tilika::development {
+
+namespace {
+
+constexpr int kSettleMs = 250;
+constexpr int kRulerHeight = 44;
+
+QScrollArea* makeScroll(QWidget* parent, QWidget* content) {
+    auto* scroll = new QScrollArea(parent);
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    scroll->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    scroll->setWidgetResizable(false);
+    scroll->setWidget(content);
+    scroll->setFixedHeight(kRulerHeight);
+    // Dragging with a finger or the mouse both scroll a ruler.
+    QScroller::grabGesture(scroll->viewport(), QScroller::LeftMouseButtonGesture);
+    return scroll;
+}
+
+}  // namespace
+
+vessliderpaint::vessliderpaint(QWidget* parent) : QWidget(parent) {}
+
+void vessliderpaint::prepare(const Ruler& ruler, double padding) {
+    ticks_ = ruler.ticks();
+    scale_ = 1;
+    resize(static_cast<int>(ruler.contentWidth() + padding), kRulerHeight);
+    update();
+}
+
+void vessliderpaint::prepareDigits(double scale, double padding) {
+    // Zero stands where the second ruler reads zero, and a tick is a digit.
+    ticks_.clear();
+    scale_ = scale;
+    const double zero = 4 * scale * 50 * scale - 23 * scale;
+    for (int digit = 0; digit <= 140; ++digit) {
+        RulerTick tick;
+        tick.x = zero + digit * 5 * scale;
+        tick.whole = digit % 10 == 0;
+        if (tick.whole) {
+            tick.label = std::to_string(digit % 100 / 10) + "0";
+        }
+        ticks_.push_back(std::move(tick));
+    }
+    resize(static_cast<int>(Ruler::kSecondWidth * scale + padding), kRulerHeight);
+    update();
+}
+
+void vessliderpaint::paintEvent(QPaintEvent* event) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QRect dirty = event->rect();
+    const QColor ink = palette().color(QPalette::WindowText);
+    QFont font = painter.font();
+    font.setPixelSize(11);
+    painter.setFont(font);
+    for (const auto& tick : ticks_) {
+        if (tick.x < dirty.left() - 30 || tick.x > dirty.right() + 30) {
+            continue;
+        }
+        const double length = tick.whole ? 16 : 8;
+        painter.setPen(QPen(ink, tick.whole ? 1.5 : 1));
+        painter.drawLine(QPointF(tick.x, 0), QPointF(tick.x, length));
+        if (!tick.label.empty()) {
+            painter.drawText(QRectF(tick.x - 20, 18, 40, 16), Qt::AlignCenter,
+                             QString::fromStdString(tick.label));
+        }
+    }
+}
+
+vesslider::vesslider(QWidget* parent)
+    : QWidget(parent),
+      value_(new QLabel(this)),
+      mainScale_(new vessliderpaint),
+      secondScale_(new vessliderpaint) {
+    main_ = makeScroll(this, mainScale_);
+    second_ = makeScroll(this, secondScale_);
+    second_->hide();
+    value_->setAlignment(Qt::AlignCenter);
+    QFont font = value_->font();
+    font.setPixelSize(20);
+    font.setBold(true);
+    value_->setFont(font);
+    value_->setMinimumHeight(28);
+    value_->installEventFilter(this);
+    value_->setCursor(Qt::PointingHandCursor);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(2);
+    layout->addWidget(value_);
+    layout->addWidget(main_);
+    layout->addWidget(second_);
+
+    for (auto*& pointer : pointers_) {
+        pointer = new QWidget(this);
+        pointer->setAttribute(Qt::WA_TransparentForMouseEvents);
+        pointer->setAutoFillBackground(true);
+        QPalette palette = pointer->palette();
+        palette.setColor(QPalette::Window, QColor(220, 60, 40));
+        pointer->setPalette(palette);
+        pointer->hide();
+    }
+
+    settle_.setSingleShot(true);
+    settle_.setInterval(kSettleMs);
+    connect(&settle_, &QTimer::timeout, this, &vesslider::tell);
+    for (QScrollArea* scroll : {main_, second_}) {
+        connect(scroll->horizontalScrollBar(), &QScrollBar::valueChanged, this, [this] {
+            if (!placing_) {
+                marks_ = true;
+                setCurOffset();
+                settle_.start();
+            }
+        });
+    }
+}
+
+void vesslider::prepareRuller(int min, int max, int type, bool border, bool resize, double scale) {
+    ruler_.emplace(min, max, type, resize ? scale : 1);
+    border_ = border;
+    second_->setVisible(type == rulertype::thousandths);
+    layoutRulers();
+    setPosition(0, false);
+}
+
+void vesslider::layoutRulers() {
+    if (!ruler_) {
+        return;
+    }
+    // Room to the right, so the pointer in the middle reaches the maximum.
+    const double padding = main_->viewport()->width() / 2.0;
+    mainScale_->prepare(*ruler_, padding);
+    secondScale_->prepareDigits(ruler_->secondContentWidth() / Ruler::kSecondWidth, padding);
+}
+
+void vesslider::setCurOffset() {
+    if (!ruler_) {
+        return;
+    }
+    const RulerReading reading =
+        ruler_->read(main_->horizontalScrollBar()->value(), main_->viewport()->width(),
+                     second_->horizontalScrollBar()->value(), second_->viewport()->width());
+    gposition_ = marks_ ? reading.position : 0;
+    value_->setText(marks_ ? QString::fromStdString(reading.text) : QString());
+    placePointers();
+}
+
+void vesslider::setPosition(double value, bool active) {
+    if (!ruler_) {
+        return;
+    }
+    const RulerPlacement placement =
+        ruler_->place(value, active, main_->viewport()->width(), second_->viewport()->width());
+    placing_ = true;
+    if (value > 0) {
+        main_->horizontalScrollBar()->setValue(static_cast<int>(std::lround(placement.offset)));
+        second_->horizontalScrollBar()->setValue(
+            static_cast<int>(std::lround(placement.secondOffset)));
+    }
+    placing_ = false;
+    marks_ = placement.marks;
+    gposition_ = placement.reading.position;
+    value_->setText(QString::fromStdString(placement.reading.text));
+    placePointers();
+    tell();
+}
+
+void vesslider::tell() {
+    if (selector_) {
+        selector_(gposition_);
+    }
+}
+
+void vesslider::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    const double kept = gposition_;
+    const bool active = marks_;
+    layoutRulers();
+    if (active && kept > 0) {
+        setPosition(kept, true);
+    }
+    placePointers();
+}
+
+bool vesslider::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == value_ && event->type() == QEvent::MouseButtonRelease) {
+        setPosition(0, false);
+        return true;
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+void vesslider::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (border_) {
+        painter.setPen(QPen(palette().color(QPalette::Mid), 1));
+        painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 6, 6);
+    }
+}
+
+void vesslider::placePointers() {
+    // The pointer stands in the middle, over the rulers; the value is read
+    // where it stands.
+    const int x = width() / 2 - 1;
+    pointers_[0]->setGeometry(x, main_->y(), 2, kRulerHeight);
+    pointers_[1]->setGeometry(x, second_->y(), 2, kRulerHeight);
+    pointers_[0]->setVisible(marks_);
+    pointers_[1]->setVisible(marks_ && second_->isVisible());
+    pointers_[0]->raise();
+    pointers_[1]->raise();
+}
+
+}  // namespace tilika::development
