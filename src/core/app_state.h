@@ -77,6 +77,8 @@ struct AppState {
     std::string supportLog;
     std::optional<bool> chatAwake;
     bool blurShown = false;
+    // A popup is up: the pages don't swipe under it.
+    bool popupShown = false;
 
     std::optional<std::string> activeGid;
     std::optional<std::string> pendingShortcut;

@@ -1,0 +1,724 @@
+#include "frame/popup_panels.h"
+
+#include <QCalendarWidget>
+#include <QFrame>
+#include <QGraphicsOpacityEffect>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QInputDialog>
+#include <QLabel>
+#include <QListWidget>
+#include <QMessageBox>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QProgressBar>
+#include <QPropertyAnimation>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QSequentialAnimationGroup>
+#include <QTextEdit>
+#include <QTimeEdit>
+#include <QTimer>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+#include "core/app_state.h"
+#include "frame/look.h"
+#include "frame/pictures.h"
+#include "frame/textdata.h"
+#include "frame/translation.h"
+#include "platform/qt_pictures.h"
+
+namespace tilika::frame {
+
+namespace {
+
+// Wider than this, a window is a tablet's and panels keep their own width.
+constexpr int kPhoneWidth = 600;
+constexpr int kPanelWidth = 340;
+constexpr int kMenuCell = 96;
+constexpr int kMenuDelayMs = 500;
+constexpr int kHelpShownMs = 5000;
+
+// The dim layer over a window: a tap on it, outside the panel, closes what
+// can be closed that way.
+class DimLayer final : public QWidget {
+public:
+    DimLayer(QWidget* window, std::function<void()> onOutsideTap)
+        : QWidget(window), onOutsideTap_(std::move(onOutsideTap)) {
+        setTag(this, kDimLayerTag);
+        setGeometry(window->rect());
+        window->installEventFilter(this);
+    }
+
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override {
+        QPainter(this).fillRect(rect(), QColor(0, 0, 0, 110));
+    }
+    void mouseReleaseEvent(QMouseEvent* event) override {
+        if (onOutsideTap_ && childAt(event->position().toPoint()) == nullptr) {
+            onOutsideTap_();
+        }
+    }
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (watched == parentWidget() && event->type() == QEvent::Resize) {
+            setGeometry(parentWidget()->rect());
+        }
+        return QWidget::eventFilter(watched, event);
+    }
+
+private:
+    std::function<void()> onOutsideTap_;
+};
+
+QFrame* makePanel(QWidget* layer) {
+    auto* panel = new QFrame(layer);
+    setTag(panel, kPopupPanelTag);
+    panel->setObjectName(QStringLiteral("popupPanel"));
+    panel->setStyleSheet(
+        QStringLiteral("#popupPanel { background: #fbfaf7; border-radius: 14px; }"
+                       "QLabel { color: #222; }"));
+    return panel;
+}
+
+// A phone's window gives a panel its whole width; a tablet's a panel of
+// its own width, in the middle.
+void placePanel(QWidget* layer, QFrame* panel, int height) {
+    const QSize area = layer->size();
+    const int width = area.width() < kPhoneWidth ? area.width() - 16 : kPanelWidth;
+    const int h = std::min(height, area.height() - 16);
+    panel->setGeometry((area.width() - width) / 2, (area.height() - h) / 2, width, h);
+}
+
+QLabel* captionLabel(const QString& text, QWidget* parent) {
+    auto* label = new QLabel(text, parent);
+    QFont font = label->font();
+    font.setBold(true);
+    font.setPixelSize(17);
+    label->setFont(font);
+    label->setAlignment(Qt::AlignCenter);
+    label->setWordWrap(true);
+    return label;
+}
+
+QListWidget* wheel(const std::vector<std::string>& rows, int selected, QWidget* parent) {
+    auto* list = new QListWidget(parent);
+    for (const auto& row : rows) {
+        list->addItem(QString::fromStdString(row));
+    }
+    list->setCurrentRow(selected);
+    QFont font = list->font();
+    font.setPixelSize(18);
+    list->setFont(font);
+    list->setMinimumHeight(180);
+    list->scrollToItem(list->currentItem(), QAbstractItemView::PositionAtCenter);
+    return list;
+}
+
+}  // namespace
+
+Popups::Popups(core::AppState& state, platform::SettingsStore& settings,
+               const platform::QtPictures& pictures, TextPageEnvironment environment)
+    : state_(state), settings_(settings), pictures_(pictures), environment_(environment) {}
+
+Popups::~Popups() {
+    close();
+}
+
+QString Popups::translated(const QString& text) const {
+    return QString::fromStdString(translate(state_, text.toStdString()));
+}
+
+QString Popups::own(const char* source) const {
+    return translated(QString::fromUtf8(source));
+}
+
+void Popups::setOpen(bool open) {
+    state_.popupShown = open;
+}
+
+void Popups::close() {
+    if (layer_ != nullptr) {
+        layer_->hide();
+        layer_->deleteLater();
+    }
+    layer_ = nullptr;
+    panel_ = nullptr;
+    askField_ = nullptr;
+    wheels_.reset();
+    ppFlag_ = 0;
+    setOpen(false);
+}
+
+void Popups::closeAfter(std::function<void()> then, int delayMs) {
+    close();
+    if (!then) {
+        return;
+    }
+    if (delayMs <= 0) {
+        then();
+    } else {
+        QTimer::singleShot(delayMs, this, std::move(then));
+    }
+}
+
+QPushButton* Popups::pictureButton(const QString& picture, const QString& caption,
+                                   QWidget* parent) {
+    auto* button = new QPushButton(caption, parent);
+    button->setMinimumHeight(44);
+    if (!picture.isEmpty()) {
+        const QImage image = pictures_.image(picture.toStdString(), QSize(48, 48));
+        button->setIcon(QPixmap::fromImage(image));
+        button->setIconSize(QSize(32, 32));
+    }
+    return button;
+}
+
+QPushButton* Popups::capButton(const char* picture, QWidget* parent) {
+    const std::string name =
+        pictures_.pictures().themed(picture, /*lightTheme=*/true);  // panels are light
+    auto* button = new QPushButton(parent);
+    button->setFlat(true);
+    button->setFixedSize(44, 44);
+    button->setIcon(QPixmap::fromImage(pictures_.image(name, QSize(64, 64))));
+    button->setIconSize(QSize(32, 32));
+    return button;
+}
+
+QPushButton* Popups::pickerHead(const QString& caption, QFrame* panel, QVBoxLayout* layout) {
+    // Close at the left, the caption, OK at the right.
+    auto* head = new QHBoxLayout;
+    QPushButton* cancel = capButton("cap-close.png", panel);
+    QPushButton* ok = capButton("cap-ok2.png", panel);
+    cancel->setObjectName(QStringLiteral("cancel"));
+    ok->setObjectName(QStringLiteral("ok"));
+    head->addWidget(cancel);
+    head->addWidget(captionLabel(caption, panel), 1);
+    head->addWidget(ok);
+    layout->addLayout(head);
+    connect(cancel, &QPushButton::clicked, this, [this] { close(); });
+    return ok;
+}
+
+// ---- Message boxes ----
+
+void Popups::message(const QString& text, const QString& caption, int tag, QWidget* parent,
+                     Delegate delegate) {
+    auto* box = new QMessageBox(QMessageBox::NoIcon, caption, text, QMessageBox::NoButton, parent);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->addButton(own("ОК"), QMessageBox::AcceptRole);
+    connect(box, &QMessageBox::finished, box, [tag, delegate](int) {
+        if (delegate) {
+            delegate(tag, 0);
+        }
+    });
+    box->open();
+}
+
+void Popups::messageAsk(const QString& text, const QString& caption, int tag, QWidget* parent,
+                        Delegate delegate) {
+    auto* box =
+        new QMessageBox(QMessageBox::Question, caption, text, QMessageBox::NoButton, parent);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    QAbstractButton* no = box->addButton(own("Нет"), QMessageBox::RejectRole);
+    QAbstractButton* yes = box->addButton(own("Да"), QMessageBox::AcceptRole);
+    connect(box, &QMessageBox::buttonClicked, box, [=](QAbstractButton* clicked) {
+        if (delegate && (clicked == no || clicked == yes)) {
+            delegate(tag, clicked == yes ? 1 : 0);
+        }
+    });
+    box->open();
+}
+
+void Popups::messageAskString(const QString& text, const QString& caption, int tag, QWidget* parent,
+                              TextDelegate delegate) {
+    auto* dialog = new QInputDialog(parent);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setWindowTitle(caption);
+    dialog->setLabelText(text);
+    dialog->setCancelButtonText(own("Отменить"));
+    dialog->setOkButtonText(own("Ok"));
+    connect(dialog, &QInputDialog::finished, dialog, [=](int result) {
+        if (delegate) {
+            delegate(tag, result == QDialog::Accepted ? 1 : 0, dialog->textValue());
+        }
+    });
+    dialog->open();
+}
+
+// ---- The grid menu ----
+
+void Popups::popupMenu(const QString& items, QWidget* parent, MenuAction action,
+                       const QString& sender) {
+    const auto menu = parseMenuItems(items.toStdString());
+    const int rows = menuRows(menu.size());
+    QFrame* panel = popupWindowCreate(rows * (kMenuCell + 6) + 40, parent);
+    if (panel == nullptr) {
+        return;
+    }
+    ppFlag_ = popupkind::menu;
+    // Dark, as the menu of a dark panel over the page.
+    panel->setStyleSheet(
+        QStringLiteral("#popupPanel { background: #2b2f33; border-radius: 14px; }"));
+    auto* scroll = new QScrollArea(panel);
+    scroll->setObjectName(QStringLiteral("menuScroll"));
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setWidgetResizable(true);
+    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    // The panel is as high as three rows; more than that scroll.
+    const bool scrolls = menu.size() > static_cast<std::size_t>(3 * kMenuColumns);
+    scroll->setVerticalScrollBarPolicy(scrolls ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOff);
+    scroll->viewport()->setAutoFillBackground(false);
+    auto* grid = new QWidget;
+    grid->setObjectName(QStringLiteral("menuGrid"));
+    grid->setStyleSheet(QStringLiteral(
+        "#menuGrid { background: #2b2f33; }"
+        "QToolButton { color: white; background: transparent; border: none; padding: 6px;"
+        " font-size: 13px; }"
+        "QToolButton:pressed { background: rgba(255,255,255,40); border-radius: 10px; }"));
+    auto* layout = new QGridLayout(grid);
+    layout->setContentsMargins(4, 4, 4, 4);
+    layout->setSpacing(6);
+    for (std::size_t i = 0; i < menu.size(); ++i) {
+        auto* button = new QToolButton(grid);
+        const QString caption = translated(QString::fromStdString(menu[i].caption));
+        button->setText(caption);
+        button->setToolButtonStyle(menu[i].picture.empty() ? Qt::ToolButtonTextOnly
+                                                           : Qt::ToolButtonTextUnderIcon);
+        if (!menu[i].picture.empty()) {
+            // White lines on the dark panel.
+            button->setIcon(QPixmap::fromImage(pictures_.image(menu[i].picture, QSize(96, 96))));
+            button->setIconSize(QSize(40, 40));
+        }
+        button->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+        button->setFixedHeight(kMenuCell);
+        connect(button, &QToolButton::clicked, this, [this, action, sender, caption] {
+            closeAfter([action, sender, caption] { action(sender, caption); }, kMenuDelayMs);
+        });
+        layout->addWidget(button, static_cast<int>(i) / kMenuColumns,
+                          static_cast<int>(i) % kMenuColumns);
+    }
+    scroll->setWidget(grid);
+    auto* outer = new QVBoxLayout(panel);
+    outer->setContentsMargins(10, 12, 10, 12);
+    outer->addWidget(scroll);
+    popupWindowShow();
+}
+
+// ---- Pickers ----
+
+void Popups::popupDetail(int kind, const QString& caption, const QVariant& old, QWidget* parent,
+                         int parentFlag, DetailAction action) {
+    const bool moment = kind >= popupkind::date && kind <= popupkind::dateTime;
+    QFrame* panel = popupWindowCreate(moment ? 420 : 320, parent);
+    if (panel == nullptr) {
+        return;
+    }
+    ppFlag_ = kind;
+    auto* layout = new QVBoxLayout(panel);
+    QPushButton* ok = pickerHead(caption, panel, layout);
+
+    if (moment) {
+        const QDateTime start =
+            old.toDateTime().isValid() ? old.toDateTime() : QDateTime::currentDateTime();
+        QCalendarWidget* calendar = nullptr;
+        QTimeEdit* clock = nullptr;
+        if (kind != popupkind::time) {
+            calendar = new QCalendarWidget(panel);
+            calendar->setLocale(QLocale(QStringLiteral("ru_RU")));
+            calendar->setSelectedDate(start.date());
+            calendar->setVerticalHeaderFormat(QCalendarWidget::NoVerticalHeader);
+            layout->addWidget(calendar, 1);
+        }
+        if (kind != popupkind::date) {
+            clock = new QTimeEdit(start.time(), panel);
+            clock->setDisplayFormat(QStringLiteral("HH:mm"));
+            clock->setLocale(QLocale(QStringLiteral("ru_RU")));
+            QFont font = clock->font();
+            font.setPixelSize(28);
+            clock->setFont(font);
+            clock->setAlignment(Qt::AlignCenter);
+            clock->setMinimumHeight(56);
+            layout->addWidget(clock, kind == popupkind::time ? 1 : 0);
+        }
+        connect(ok, &QPushButton::clicked, this, [=, this] {
+            const QDate date = calendar != nullptr ? calendar->selectedDate() : start.date();
+            const QTime time = clock != nullptr ? clock->time() : start.time();
+            const QDateTime picked(date, QTime(time.hour(), time.minute()));
+            closeAfter([=] { action(parentFlag, picked); }, 0);
+        });
+    } else {
+        wheels_ = std::make_unique<WheelPicker>(kind, old.toString().toStdString());
+        auto* row = new QHBoxLayout;
+        QListWidget* lists[2];
+        for (int component = 0; component < 2; ++component) {
+            lists[component] = wheel(wheels_->rows(component), wheels_->selected(component), panel);
+            lists[component]->setObjectName(QStringLiteral("wheel%1").arg(component));
+            row->addWidget(lists[component]);
+        }
+        layout->addLayout(row, 1);
+        for (int component = 0; component < 2; ++component) {
+            connect(lists[component], &QListWidget::currentRowChanged, this,
+                    [this, lists, component](int current) {
+                        if (!wheels_ || current < 0) {
+                            return;
+                        }
+                        if (wheels_->select(component, current)) {
+                            // The wheel turns back to the longest course there is.
+                            QListWidget* count = lists[0];
+                            const QSignalBlocker quiet(count);
+                            count->setCurrentRow(wheels_->selected(0));
+                            count->scrollToItem(count->currentItem(),
+                                                QAbstractItemView::PositionAtCenter);
+                        }
+                    });
+        }
+        connect(ok, &QPushButton::clicked, this, [this, action, parentFlag] {
+            const QString value = QString::fromStdString(wheels_->value());
+            closeAfter([=] { action(parentFlag, value); }, 0);
+        });
+    }
+    popupWindowShow();
+}
+
+void Popups::popupDetailList(const QString& caption, const QString& oldValue, QWidget* parent,
+                             int parentFlag, DetailAction action, std::vector<ListEntry> data) {
+    QFrame* panel = popupWindowCreate(360, parent);
+    if (panel == nullptr) {
+        return;
+    }
+    ppFlag_ = popupkind::list;
+    auto* layout = new QVBoxLayout(panel);
+    QPushButton* ok = pickerHead(caption, panel, layout);
+    std::vector<std::string> captions;
+    for (const auto& entry : data) {
+        captions.push_back(translate(state_, entry.caption));
+    }
+    QListWidget* list = wheel(captions, listStartRow(data, oldValue.toStdString()), panel);
+    list->setObjectName(QStringLiteral("wheel0"));
+    layout->addWidget(list, 1);
+    connect(ok, &QPushButton::clicked, this, [=, this] {
+        const QString value = QString::fromStdString(listResult(std::max(0, list->currentRow())));
+        closeAfter([=] { action(parentFlag, value); }, 0);
+    });
+    popupWindowShow();
+}
+
+void Popups::selectList(const QString& title, const QString& buttons, QWidget* parent,
+                        IndexAction action) {
+    const QStringList lines = buttons.split(QStringLiteral("<br>"));
+    QFrame* panel = popupWindowCreate(static_cast<int>(lines.size() + 2) * 52, parent);
+    if (panel == nullptr) {
+        return;
+    }
+    auto* layout = new QVBoxLayout(panel);
+    if (!title.isEmpty()) {
+        layout->addWidget(captionLabel(title, panel));
+    }
+    for (int i = 0; i < lines.size(); ++i) {
+        QPushButton* button = pictureButton({}, translated(lines[i]), panel);
+        connect(button, &QPushButton::clicked, this,
+                [this, action, i] { closeAfter([=] { action(i); }, 0); });
+        layout->addWidget(button);
+    }
+    QPushButton* cancel = pictureButton({}, own("Отменить"), panel);
+    connect(cancel, &QPushButton::clicked, this, [this] { close(); });
+    layout->addWidget(cancel);
+    popupWindowShow();
+}
+
+// ---- Windows ----
+
+QFrame* Popups::popupWindowCreate(int height, QWidget* parent) {
+    if (parent == nullptr) {
+        return nullptr;
+    }
+    close();
+    QWidget* window = parent->window();
+    auto* layer = new DimLayer(window, [this] {
+        // Only a menu or a tooltip closes by a tap beside it; a picker or
+        // a prompt might lose what was entered.
+        if (ppFlag_ == popupkind::menu || ppFlag_ == popupkind::tooltip) {
+            close();
+        }
+    });
+    layer->hide();
+    layer_ = layer;
+    panel_ = makePanel(layer);
+    placePanel(layer, panel_, height);
+    setOpen(true);
+    return panel_;
+}
+
+void Popups::popupWindowShow() {
+    if (layer_ != nullptr) {
+        layer_->raise();
+        layer_->show();
+        if (panel_ != nullptr) {
+            panel_->setFocus();
+        }
+    }
+}
+
+void Popups::popupWindowHide() {
+    close();
+}
+
+// ---- Text prompt ----
+
+void Popups::askText(const QString& title, const QString& help, const QString& text,
+                     const QString& commit, QWidget* parent, std::function<void()> action) {
+    QFrame* panel = popupWindowCreate(300, parent);
+    if (panel == nullptr) {
+        return;
+    }
+    auto* layout = new QVBoxLayout(panel);
+    layout->addWidget(captionLabel(title, panel));
+    auto* helpLine = new QLabel(help, panel);
+    helpLine->setWordWrap(true);
+    layout->addWidget(helpLine);
+    auto* field = new QTextEdit(panel);
+    field->setPlainText(text);
+    field->setAcceptRichText(false);
+    setTag(field, kAskTextFieldTag);
+    askField_ = field;
+    layout->addWidget(field, 1);
+    auto* buttons = new QHBoxLayout;
+    QPushButton* cancel = pictureButton({}, own("Отменить"), panel);
+    QPushButton* ok = pictureButton({}, commit, panel);
+    ok->setObjectName(QStringLiteral("ok"));
+    ok->setStyleSheet(QStringLiteral(
+        "QPushButton { color: white; background: #e8892b; border-radius: 10px; padding: 8px; }"));
+    buttons->addWidget(cancel);
+    buttons->addWidget(ok);
+    layout->addLayout(buttons);
+    connect(cancel, &QPushButton::clicked, this, [this] { close(); });
+    // The action reads the text and closes the prompt itself.
+    connect(ok, &QPushButton::clicked, this, [action] {
+        if (action) {
+            action();
+        }
+    });
+    popupWindowShow();
+    field->setFocus();
+}
+
+QString Popups::askTextGetResult() const {
+    return askField_ != nullptr ? askField_->toPlainText() : QString();
+}
+
+// ---- Tooltip ----
+
+void Popups::popupTooltip(const QString& file, QWidget* parent) {
+    QFrame* panel = popupWindowCreate(360, parent);
+    if (panel == nullptr) {
+        return;
+    }
+    ppFlag_ = popupkind::tooltip;
+    panel->setStyleSheet(
+        QStringLiteral("#popupPanel { background: #2b2f33; border-radius: 14px; }"
+                       "QPushButton { color: white; }"));
+    auto* layout = new QVBoxLayout(panel);
+    auto* view = new textdata(environment_, pictures_, panel);
+    view->page().specialColor({1, 1, 1}, {1, 1, 1}, {1, 1, 1, 0.2});
+    view->page().justGroup(1);
+    view->prepareTextFromFile(file, true);
+    layout->addWidget(view, 1);
+    auto* buttons = new QHBoxLayout;
+    QPushButton* back = capButton("text-back.png", panel);
+    QPushButton* closeButton = pictureButton({}, own("Закрыть"), panel);
+    closeButton->setFlat(true);
+    QPushButton* next = capButton("text-next.png", panel);
+    // White arrows on the dark panel.
+    back->setIcon(QPixmap::fromImage(pictures_.image("text-back.png", QSize(64, 64))));
+    next->setIcon(QPixmap::fromImage(pictures_.image("text-next.png", QSize(64, 64))));
+    buttons->addWidget(back);
+    buttons->addWidget(closeButton, 1);
+    buttons->addWidget(next);
+    layout->addLayout(buttons);
+    connect(back, &QPushButton::clicked, view, [view, file] {
+        view->page().prevGroup();
+        view->prepareTextFromFile(file, true);
+    });
+    connect(next, &QPushButton::clicked, view, [view, file] {
+        view->page().nextGroup();
+        view->prepareTextFromFile(file, true);
+    });
+    connect(closeButton, &QPushButton::clicked, this, [this] { close(); });
+    popupWindowShow();
+}
+
+// ---- Progress ----
+
+void Popups::progressDialog(double percent, const QString& caption, const QString& message,
+                            bool show, QWidget* parent) {
+    if (!show) {
+        if (progress_ != nullptr) {
+            progress_->deleteLater();
+        }
+        progress_ = nullptr;
+        return;
+    }
+    if (progress_ == nullptr && parent != nullptr) {
+        QWidget* window = parent->window();
+        auto* layer = new DimLayer(window, {});
+        QFrame* panel = makePanel(layer);
+        placePanel(layer, panel, 150);
+        auto* layout = new QVBoxLayout(panel);
+        layout->addWidget(captionLabel({}, panel));
+        auto* text = new QLabel(panel);
+        text->setWordWrap(true);
+        layout->addWidget(text);
+        auto* bar = new QProgressBar(panel);
+        bar->setRange(0, 1000);
+        layout->addWidget(bar);
+        layer->show();
+        layer->raise();
+        progress_ = layer;
+    }
+    if (progress_ == nullptr) {
+        return;
+    }
+    const auto labels = progress_->findChildren<QLabel*>();
+    if (labels.size() >= 2) {
+        labels[0]->setText(caption);
+        labels[1]->setText(message);
+    }
+    if (auto* bar = progress_->findChild<QProgressBar*>()) {
+        bar->setValue(static_cast<int>(std::clamp(percent, 0.0, 100.0) * 10));
+    }
+}
+
+// ---- Hints ----
+
+QToolButton* Popups::helpInit(QWidget* header, std::function<void()> action) {
+    auto* button = new QToolButton(header);
+    setTag(button, kHelpButtonTag);
+    button->setAutoRaise(true);
+    button->setIcon(QPixmap::fromImage(pictures_.image(
+        pictures_.pictures().themed("help-icon2.png", state_.lightTheme), QSize(64, 64))));
+    button->setIconSize(QSize(28, 28));
+    button->setFixedSize(40, 40);
+    button->move(header->width() - 44, (header->height() - 40) / 2);
+    auto* effect = new QGraphicsOpacityEffect(button);
+    effect->setOpacity(0);
+    button->setGraphicsEffect(effect);
+    button->hide();
+    connect(button, &QToolButton::clicked, this, [action] {
+        if (action) {
+            action();
+        }
+    });
+    return button;
+}
+
+void Popups::helpShow(QWidget* header, bool show) {
+    auto* button = qobject_cast<QToolButton*>(childWithTag(header, kHelpButtonTag));
+    if (button == nullptr) {
+        return;
+    }
+    auto* effect = qobject_cast<QGraphicsOpacityEffect*>(button->graphicsEffect());
+    auto* fade = new QPropertyAnimation(effect, "opacity", button);
+    fade->setDuration(400);
+    fade->setEndValue(show ? 1.0 : 0.0);
+    if (show) {
+        button->show();
+        button->raise();
+        // It goes again by itself; the hint is only a nudge.
+        QTimer::singleShot(kHelpShownMs, button, [this, header] { helpShow(header, false); });
+    } else {
+        connect(fade, &QPropertyAnimation::finished, button, &QWidget::hide);
+    }
+    fade->start(QAbstractAnimation::DeleteWhenStopped);
+}
+
+void Popups::animateHelp(QWidget* view, const QString& mode) {
+    auto* hand = new QLabel(view);
+    hand->setAttribute(Qt::WA_TransparentForMouseEvents);
+    hand->setPixmap(QPixmap::fromImage(pictures_.image("hand.png", QSize(48, 48))));
+    hand->resize(48, 48);
+    const bool title = mode == QLatin1String("clickTitle");
+    const QPoint from =
+        title ? QPoint(view->width() / 2, 80) : QPoint(view->width() - 80, view->height() / 2);
+    const QPoint to = title ? QPoint(view->width() / 2, 4) : QPoint(40, view->height() / 2);
+    hand->move(from);
+    auto* effect = new QGraphicsOpacityEffect(hand);
+    effect->setOpacity(0);
+    hand->setGraphicsEffect(effect);
+    hand->show();
+    hand->raise();
+
+    auto* play = new QSequentialAnimationGroup(hand);
+    play->addPause(1000);
+    auto* in = new QPropertyAnimation(effect, "opacity");
+    in->setDuration(150);
+    in->setEndValue(1.0);
+    auto* move = new QPropertyAnimation(hand, "pos");
+    move->setDuration(300);
+    move->setEndValue(to);
+    auto* out = new QPropertyAnimation(effect, "opacity");
+    out->setDuration(150);
+    out->setEndValue(0.0);
+    play->addAnimation(in);
+    play->addAnimation(move);
+    play->addAnimation(out);
+    connect(play, &QAbstractAnimation::finished, hand, &QObject::deleteLater);
+    play->start();
+}
+
+// ---- Welcome ----
+
+void Popups::firstStart(QWidget* parent, IndexAction action, bool newversion) {
+    if (parent == nullptr) {
+        return;
+    }
+    const FirstStartPage page = firstStartPage(newversion);
+    auto* panel = new QFrame(parent->window());
+    setTag(panel, kFirstStartTag);
+    panel->setObjectName(QStringLiteral("firstStart"));
+    panel->setStyleSheet(
+        QStringLiteral("#firstStart { background: #fbfaf7; } QLabel { color: #222; }"
+                       "QPushButton { padding: 10px; font-size: 15px; }"));
+    panel->setGeometry(parent->window()->rect());
+    auto* layout = new QVBoxLayout(panel);
+    layout->setContentsMargins(20, 24, 20, 20);
+    auto* icon = new QLabel(panel);
+    icon->setPixmap(QPixmap::fromImage(pictures_.image(
+        pictures_.pictures().colored("start-icon.png", state_.colorIcons), QSize(96, 96))));
+    icon->setAlignment(Qt::AlignCenter);
+    layout->addWidget(icon);
+    QLabel* name = captionLabel(translated(QString::fromStdString(page.name)), panel);
+    layout->addWidget(name);
+    for (std::size_t i = 0; i < page.texts.size(); ++i) {
+        auto* text = new QLabel(translated(QString::fromStdString(page.texts[i])), panel);
+        text->setWordWrap(true);
+        text->setAlignment(Qt::AlignCenter);
+        layout->addWidget(text);
+        if (i == 1) {
+            // The numbered buttons stand under the line that leads to them.
+            for (const auto& button : page.buttons) {
+                QPushButton* numbered =
+                    pictureButton({}, translated(QString::fromStdString(button.caption)), panel);
+                const int tag = button.tag;
+                connect(numbered, &QPushButton::clicked, panel, [panel, action, tag] {
+                    panel->deleteLater();
+                    if (action) {
+                        action(tag);
+                    }
+                });
+                layout->addWidget(numbered);
+            }
+        }
+    }
+    layout->addStretch(1);
+    QPushButton* start = pictureButton({}, translated(QString::fromStdString(page.start)), panel);
+    start->setObjectName(QStringLiteral("start"));
+    start->setStyleSheet(
+        QStringLiteral("QPushButton { color: white; background: #3f9b4f; border-radius: 10px; }"));
+    connect(start, &QPushButton::clicked, panel, &QObject::deleteLater);
+    layout->addWidget(start);
+    panel->show();
+    panel->raise();
+}
+
+}  // namespace tilika::frame
