@@ -34,6 +34,14 @@ vessliderpaint::vessliderpaint(QWidget* parent) : QWidget(parent) {}
 void vessliderpaint::prepare(const Ruler& ruler, double padding) {
     ticks_ = ruler.ticks();
     scale_ = 1;
+    temperature_.reset();
+    if (ruler.type() == rulertype::temperature) {
+        // Where a fever begins and where it is high, for the colour strip.
+        const auto at = [&ruler](double degrees) {
+            return (degrees - ruler.min()) * ruler.unitWidth();
+        };
+        temperature_ = std::array<double, 3>{at(37.0), at(38.0), at(39.0)};
+    }
     resize(static_cast<int>(ruler.contentWidth() + padding), kRulerHeight);
     update();
 }
@@ -60,6 +68,19 @@ void vessliderpaint::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const QRect dirty = event->rect();
+    if (temperature_) {
+        // The thermometer's scale: calm up to 37, warm to 38, hot beyond.
+        const auto [warm, fever, high] = *temperature_;
+        QLinearGradient strip(0, 0, width(), 0);
+        const auto stop = [&](double x, QColor color) {
+            strip.setColorAt(std::clamp(x / std::max(1, width()), 0.0, 1.0), color);
+        };
+        stop(0, QColor(90, 160, 230));
+        stop(warm, QColor(120, 200, 120));
+        stop(fever, QColor(245, 190, 60));
+        stop(high, QColor(225, 70, 50));
+        painter.fillRect(QRectF(0, height() - 6, width(), 6), strip);
+    }
     const QColor ink = palette().color(QPalette::WindowText);
     QFont font = painter.font();
     font.setPixelSize(11);

@@ -29,6 +29,8 @@ protected:
 private:
     std::vector<RulerTick> ticks_;
     double scale_ = 1;
+    // The positions of 37, 38 and 39 degrees on a temperature ruler.
+    std::optional<std::array<double, 3>> temperature_;
 };
 
 // A ruler on which a number is picked by scrolling it under a pointer. The

@@ -16,6 +16,7 @@
 #include <QPushButton>
 #include <QScrollArea>
 #include <QSequentialAnimationGroup>
+#include <QStackedWidget>
 #include <QTextEdit>
 #include <QTimeEdit>
 #include <QTimer>
@@ -39,6 +40,8 @@ constexpr int kPanelWidth = 340;
 constexpr int kMenuCell = 96;
 constexpr int kMenuDelayMs = 500;
 constexpr int kHelpShownMs = 5000;
+constexpr int kCloseMs = 300;
+constexpr int kSlideMs = 250;
 
 // The dim layer over a window: a tap on it, outside the panel, closes what
 // can be closed that way.
@@ -51,9 +54,33 @@ public:
         window->installEventFilter(this);
     }
 
+    // A blurred copy of what lies under the layer, or none.
+    void setBlur(bool on) {
+        blurred_ = QPixmap();
+        if (on && parentWidget() != nullptr) {
+            // Shrinking the picture and stretching it back blurs it, cheaply.
+            const bool wasVisible = isVisible();
+            hide();
+            const QImage shot = parentWidget()->grab().toImage();
+            if (wasVisible) {
+                show();
+            }
+            const QImage small =
+                shot.scaled(shot.size() / 10, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+            blurred_ = QPixmap::fromImage(
+                small.scaled(shot.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+        }
+        update();
+    }
+    bool blurred() const { return !blurred_.isNull(); }
+
 protected:
     void paintEvent(QPaintEvent* /*event*/) override {
-        QPainter(this).fillRect(rect(), QColor(0, 0, 0, 110));
+        QPainter painter(this);
+        if (!blurred_.isNull()) {
+            painter.drawPixmap(rect(), blurred_);
+        }
+        painter.fillRect(rect(), QColor(0, 0, 0, 110));
     }
     void mouseReleaseEvent(QMouseEvent* event) override {
         if (onOutsideTap_ && childAt(event->position().toPoint()) == nullptr) {
@@ -69,6 +96,7 @@ protected:
 
 private:
     std::function<void()> onOutsideTap_;
+    QPixmap blurred_;
 };
 
 QFrame* makePanel(QWidget* layer) {
@@ -137,10 +165,22 @@ void Popups::setOpen(bool open) {
     state_.popupShown = open;
 }
 
-void Popups::close() {
+void Popups::close(bool animated) {
     if (layer_ != nullptr) {
-        layer_->hide();
-        layer_->deleteLater();
+        if (animated) {
+            // The panel fades away while the caller carries on.
+            auto* effect = new QGraphicsOpacityEffect(layer_);
+            layer_->setGraphicsEffect(effect);
+            auto* fade = new QPropertyAnimation(effect, "opacity", layer_);
+            fade->setDuration(kCloseMs);
+            fade->setStartValue(1.0);
+            fade->setEndValue(0.0);
+            connect(fade, &QPropertyAnimation::finished, layer_.data(), &QObject::deleteLater);
+            fade->start();
+        } else {
+            layer_->hide();
+            layer_->deleteLater();
+        }
     }
     layer_ = nullptr;
     panel_ = nullptr;
@@ -148,6 +188,7 @@ void Popups::close() {
     wheels_.reset();
     ppFlag_ = 0;
     setOpen(false);
+    state_.blurShown = false;
 }
 
 void Popups::closeAfter(std::function<void()> then, int delayMs) {
@@ -196,7 +237,7 @@ QPushButton* Popups::pickerHead(const QString& caption, QFrame* panel, QVBoxLayo
     head->addWidget(captionLabel(caption, panel), 1);
     head->addWidget(ok);
     layout->addLayout(head);
-    connect(cancel, &QPushButton::clicked, this, [this] { close(); });
+    connect(cancel, &QPushButton::clicked, this, [this] { ppCancel(); });
     return ok;
 }
 
@@ -430,6 +471,75 @@ void Popups::selectList(const QString& title, const QString& buttons, QWidget* p
 // ---- Windows ----
 
 QFrame* Popups::popupWindowCreate(int height, QWidget* parent) {
+    QFrame* panel = popupFreeWindowCreate(height, parent);
+    popupBlurShow();
+    return panel;
+}
+
+void Popups::popupBlurShow() {
+    if (auto* layer = dynamic_cast<DimLayer*>(layer_.data())) {
+        layer->setBlur(true);
+        state_.blurShown = true;
+    }
+}
+
+void Popups::popupBlurHide() {
+    if (auto* layer = dynamic_cast<DimLayer*>(layer_.data())) {
+        layer->setBlur(false);
+    }
+    state_.blurShown = false;
+}
+
+QStackedWidget* Popups::popupPages() {
+    if (panel_ == nullptr) {
+        return nullptr;
+    }
+    auto* pages = panel_->findChild<QStackedWidget*>(QStringLiteral("pages"));
+    if (pages == nullptr) {
+        pages = new QStackedWidget(panel_);
+        pages->setObjectName(QStringLiteral("pages"));
+        auto* layout = qobject_cast<QVBoxLayout*>(panel_->layout());
+        if (layout == nullptr) {
+            layout = new QVBoxLayout(panel_);
+        }
+        layout->addWidget(pages, 1);
+    }
+    return pages;
+}
+
+void Popups::slide(int step) {
+    QStackedWidget* pages = popupPages();
+    if (pages == nullptr) {
+        return;
+    }
+    const int next = pages->currentIndex() + step;
+    if (next < 0 || next >= pages->count()) {
+        return;
+    }
+    QWidget* incoming = pages->widget(next);
+    pages->setCurrentIndex(next);
+    // The new page comes in from the side it lies on.
+    auto* move = new QPropertyAnimation(incoming, "pos", incoming);
+    move->setDuration(kSlideMs);
+    move->setStartValue(QPoint(step * pages->width(), 0));
+    move->setEndValue(QPoint(0, 0));
+    move->setEasingCurve(QEasingCurve::OutCubic);
+    move->start(QAbstractAnimation::DeleteWhenStopped);
+}
+
+void Popups::ppNext() {
+    slide(1);
+}
+
+void Popups::ppBack() {
+    slide(-1);
+}
+
+void Popups::ppCancel() {
+    close(true);
+}
+
+QFrame* Popups::popupFreeWindowCreate(int height, QWidget* parent) {
     if (parent == nullptr) {
         return nullptr;
     }
@@ -461,6 +571,14 @@ void Popups::popupWindowShow() {
 }
 
 void Popups::popupWindowHide() {
+    close();
+}
+
+void Popups::popupFreeWindowShow() {
+    popupWindowShow();
+}
+
+void Popups::popupFreeWindowHide() {
     close();
 }
 

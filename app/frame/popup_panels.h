@@ -18,6 +18,7 @@ class QFrame;
 class QLabel;
 class QListWidget;
 class QProgressBar;
+class QStackedWidget;
 class QPushButton;
 class QTextEdit;
 class QVBoxLayout;
@@ -85,10 +86,23 @@ public:
     void selectList(const QString& title, const QString& buttons, QWidget* parent,
                     IndexAction action);
 
-    // An empty panel of the height over a dim layer, to fill and show.
+    // An empty panel of the height over a dim layer with a blurred copy of
+    // the screen, to fill and show; the "free" one goes without the blur.
     QFrame* popupWindowCreate(int height, QWidget* parent);
     void popupWindowShow();
     void popupWindowHide();
+    QFrame* popupFreeWindowCreate(int height, QWidget* parent);
+    void popupFreeWindowShow();
+    void popupFreeWindowHide();
+    void popupBlurShow();
+    void popupBlurHide();
+    // The pages of the open panel, made on first use; ppNext and ppBack
+    // slide between them.
+    QStackedWidget* popupPages();
+    void ppNext();
+    void ppBack();
+    // Closes the open panel with a short fade.
+    void ppCancel();
 
     void askText(const QString& title, const QString& help, const QString& text,
                  const QString& commit, QWidget* parent, std::function<void()> action);
@@ -125,7 +139,8 @@ private:
     QPushButton* capButton(const char* picture, QWidget* parent);
     // The head of a picker panel; answers its OK button.
     QPushButton* pickerHead(const QString& caption, QFrame* panel, QVBoxLayout* layout);
-    void close();
+    void close(bool animated = false);
+    void slide(int step);
     void setOpen(bool open);
     void closeAfter(std::function<void()> then, int delayMs);
 

@@ -1,8 +1,10 @@
 #include <QCalendarWidget>
 #include <QDir>
+#include <QLabel>
 #include <QListWidget>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QStackedWidget>
 #include <QTemporaryDir>
 #include <QTextEdit>
 #include <QTimeEdit>
@@ -168,6 +170,30 @@ private slots:
         // A tap beside a tooltip closes it.
         QTest::mouseClick(popups_->dimLayer(), Qt::LeftButton, {}, QPoint(10, 10));
         QVERIFY(!popups_->isOpen());
+    }
+
+    void pagesBlurAndAFadingClose() {
+        QFrame* panel = popups_->popupWindowCreate(300, window_.get());
+        QVERIFY(panel != nullptr);
+        QVERIFY(state_->blurShown);
+        QStackedWidget* pages = popups_->popupPages();
+        pages->addWidget(new QLabel(QStringLiteral("Первая")));
+        pages->addWidget(new QLabel(QStringLiteral("Вторая")));
+        popups_->popupWindowShow();
+        popups_->ppNext();
+        QCOMPARE(pages->currentIndex(), 1);
+        popups_->ppNext();
+        QCOMPARE(pages->currentIndex(), 1);
+        popups_->ppBack();
+        QCOMPARE(pages->currentIndex(), 0);
+
+        popups_->popupFreeWindowCreate(200, window_.get());
+        QVERIFY(!state_->blurShown);
+        QPointer<QWidget> layer = popups_->dimLayer();
+        popups_->ppCancel();
+        QVERIFY(!popups_->isOpen());
+        QVERIFY(!state_->popupShown);
+        QTRY_VERIFY(layer.isNull());
     }
 
     void welcomePageButtons() {
