@@ -80,14 +80,29 @@ bool Pictures::exists(std::string_view name) const {
     return !name.empty() && entries_.contains(std::string(stem(name)));
 }
 
+const Pictures::Entry* Pictures::find(std::string_view name) const {
+    if (const auto it = entries_.find(std::string(stem(name))); it != entries_.end()) {
+        return &it->second;
+    }
+    // Pictures drawn in one version only, such as the buttons, stand in for
+    // their dark-line and colour names.
+    if (name.starts_with("b-") || name.starts_with("c-")) {
+        if (const auto it = entries_.find(std::string(stem(name.substr(2))));
+            it != entries_.end()) {
+            return &it->second;
+        }
+    }
+    return nullptr;
+}
+
 std::filesystem::path Pictures::file(std::string_view name) const {
-    const auto it = entries_.find(std::string(stem(name)));
-    return it == entries_.end() ? std::filesystem::path{} : it->second.file;
+    const Entry* entry = find(name);
+    return entry == nullptr ? std::filesystem::path{} : entry->file;
 }
 
 platform::Size Pictures::naturalSize(std::string_view name) const {
-    const auto it = entries_.find(std::string(stem(name)));
-    return it == entries_.end() ? platform::Size{} : it->second.size;
+    const Entry* entry = find(name);
+    return entry == nullptr ? platform::Size{} : entry->size;
 }
 
 std::string Pictures::withPrefixIfExists(std::string_view prefix, std::string_view name) const {

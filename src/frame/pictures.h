@@ -20,8 +20,10 @@ public:
     Pictures() = default;
     explicit Pictures(const std::filesystem::path& folder);
 
+    // Whether a picture of exactly this name was drawn.
     bool exists(std::string_view name) const;
-    // The file of the picture, empty when there is none.
+    // The file of the picture, empty when there is none. A "b-" or "c-" name
+    // of a picture drawn in one version only finds that version.
     std::filesystem::path file(std::string_view name) const;
     // The size the picture was drawn at; zero when there is none.
     platform::Size naturalSize(std::string_view name) const;
@@ -38,6 +40,7 @@ private:
         std::filesystem::path file;
         platform::Size size;
     };
+    const Entry* find(std::string_view name) const;
     // By the picture's name without extension.
     std::unordered_map<std::string, Entry> entries_;
 };

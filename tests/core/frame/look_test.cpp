@@ -146,6 +146,7 @@ TEST(PicturesTest, TheBundledSetHasEveryVariant) {
     for (const char* name : {"checkgreen.png", "checkempty.png", "grayB.png"}) {
         EXPECT_TRUE(pictures.exists(name)) << name;
         EXPECT_EQ(pictures.themed(name, true), name);  // no variant: the plain one
+        EXPECT_EQ(pictures.file(std::string("b-") + name), pictures.file(name));
     }
     for (int i = 1; i <= kBackgroundCount; ++i) {
         for (const char* form : {"bg640-", "bd640-", "bs-"}) {
