@@ -31,26 +31,29 @@ QScrollArea* makeScroll(QWidget* parent, QWidget* content) {
 
 vessliderpaint::vessliderpaint(QWidget* parent) : QWidget(parent) {}
 
-void vessliderpaint::prepare(const Ruler& ruler, double padding) {
+void vessliderpaint::prepare(const Ruler& ruler, double left, double right) {
     ticks_ = ruler.ticks();
+    for (auto& tick : ticks_) {
+        tick.x += left;
+    }
     scale_ = 1;
     temperature_.reset();
     if (ruler.type() == rulertype::temperature) {
         // Where a fever begins and where it is high, for the colour strip.
-        const auto at = [&ruler](double degrees) {
-            return (degrees - ruler.min()) * ruler.unitWidth();
+        const auto at = [&ruler, left](double degrees) {
+            return left + (degrees - ruler.min()) * ruler.unitWidth();
         };
         temperature_ = std::array<double, 3>{at(37.0), at(38.0), at(39.0)};
     }
-    resize(static_cast<int>(ruler.contentWidth() + padding), kRulerHeight);
+    resize(static_cast<int>(left + ruler.contentWidth() + right), kRulerHeight);
     update();
 }
 
-void vessliderpaint::prepareDigits(double scale, double padding) {
+void vessliderpaint::prepareDigits(double scale, double left, double right) {
     // Zero stands where the second ruler reads zero, and a tick is a digit.
     ticks_.clear();
     scale_ = scale;
-    const double zero = 4 * scale * 50 * scale - 23 * scale;
+    const double zero = left + 4 * scale * 50 * scale - 23 * scale;
     for (int digit = 0; digit <= 140; ++digit) {
         RulerTick tick;
         tick.x = zero + digit * 5 * scale;
@@ -60,7 +63,7 @@ void vessliderpaint::prepareDigits(double scale, double padding) {
         }
         ticks_.push_back(std::move(tick));
     }
-    resize(static_cast<int>(Ruler::kSecondWidth * scale + padding), kRulerHeight);
+    resize(static_cast<int>(left + Ruler::kSecondWidth * scale + right), kRulerHeight);
     update();
 }
 
@@ -133,6 +136,9 @@ vesslider::vesslider(QWidget* parent)
         pointer->hide();
     }
 
+    main_->viewport()->installEventFilter(this);
+    second_->viewport()->installEventFilter(this);
+
     settle_.setSingleShot(true);
     settle_.setInterval(kSettleMs);
     connect(&settle_, &QTimer::timeout, this, &vesslider::tell);
@@ -159,25 +165,39 @@ void vesslider::layoutRulers() {
     if (!ruler_) {
         return;
     }
-    // Room to the right, so the pointer in the middle reaches the maximum.
-    const double padding = main_->viewport()->width() / 2.0;
-    mainScale_->prepare(*ruler_, padding);
-    secondScale_->prepareDigits(ruler_->secondContentWidth() / Ruler::kSecondWidth, padding);
+    // Room on both sides, so the pointer in the middle reaches both ends.
+    const double right = main_->viewport()->width() / 2.0;
+    mainScale_->prepare(*ruler_, mainLeft(), right);
+    secondScale_->prepareDigits(ruler_->secondContentWidth() / Ruler::kSecondWidth, secondLeft(),
+                                right);
+}
+
+double vesslider::mainLeft() const {
+    return ruler_ ? ruler_->leftPadding(main_->viewport()->width()) : 0;
+}
+
+double vesslider::secondLeft() const {
+    return ruler_ ? ruler_->leftPadding(second_->viewport()->width()) : 0;
 }
 
 void vesslider::setCurOffset() {
     if (!ruler_) {
         return;
     }
-    const RulerReading reading =
-        ruler_->read(main_->horizontalScrollBar()->value(), main_->viewport()->width(),
-                     second_->horizontalScrollBar()->value(), second_->viewport()->width());
+    const RulerReading reading = ruler_->read(
+        main_->horizontalScrollBar()->value() - mainLeft(), main_->viewport()->width(),
+        second_->horizontalScrollBar()->value() - secondLeft(), second_->viewport()->width());
     gposition_ = marks_ ? reading.position : 0;
     value_->setText(marks_ ? QString::fromStdString(reading.text) : QString());
     placePointers();
 }
 
 void vesslider::setPosition(double value, bool active) {
+    place(value, active);
+    tell();
+}
+
+void vesslider::place(double value, bool active) {
     if (!ruler_) {
         return;
     }
@@ -185,16 +205,16 @@ void vesslider::setPosition(double value, bool active) {
         ruler_->place(value, active, main_->viewport()->width(), second_->viewport()->width());
     placing_ = true;
     if (value > 0) {
-        main_->horizontalScrollBar()->setValue(static_cast<int>(std::lround(placement.offset)));
+        main_->horizontalScrollBar()->setValue(
+            static_cast<int>(std::lround(placement.offset + mainLeft())));
         second_->horizontalScrollBar()->setValue(
-            static_cast<int>(std::lround(placement.secondOffset)));
+            static_cast<int>(std::lround(placement.secondOffset + secondLeft())));
     }
     placing_ = false;
     marks_ = placement.marks;
-    gposition_ = placement.reading.position;
-    value_->setText(QString::fromStdString(placement.reading.text));
-    placePointers();
-    tell();
+    // What shows is what the ruler stands at, which a value beyond its ends
+    // can't reach.
+    setCurOffset();
 }
 
 void vesslider::tell() {
@@ -205,19 +225,28 @@ void vesslider::tell() {
 
 void vesslider::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
+    placePointers();
+}
+
+void vesslider::rulersResized() {
     const double kept = gposition_;
     const bool active = marks_;
+    placing_ = true;
     layoutRulers();
-    if (active && kept > 0) {
-        setPosition(kept, true);
-    }
-    placePointers();
+    placing_ = false;
+    // The same value again, without telling anyone: nothing was chosen.
+    place(active ? kept : 0, active);
 }
 
 bool vesslider::eventFilter(QObject* watched, QEvent* event) {
     if (watched == value_ && event->type() == QEvent::MouseButtonRelease) {
         setPosition(0, false);
         return true;
+    }
+    // The rulers are laid out for the width that shows of them.
+    if ((watched == main_->viewport() || watched == second_->viewport()) &&
+        event->type() == QEvent::Resize && ruler_) {
+        rulersResized();
     }
     return QWidget::eventFilter(watched, event);
 }

@@ -19,9 +19,10 @@ class vessliderpaint final : public QWidget {
 
 public:
     explicit vessliderpaint(QWidget* parent = nullptr);
-    void prepare(const Ruler& ruler, double padding);
+    // The content has room on either side of the ruler itself.
+    void prepare(const Ruler& ruler, double left, double right);
     // The second ruler of a thousandths ruler: tenths of a tenth.
-    void prepareDigits(double scale, double padding);
+    void prepareDigits(double scale, double left, double right);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -58,6 +59,10 @@ protected:
 
 private:
     void setCurOffset();
+    void place(double value, bool active);
+    void rulersResized();
+    double mainLeft() const;
+    double secondLeft() const;
     void tell();
     void layoutRulers();
     void placePointers();

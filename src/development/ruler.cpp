@@ -1,6 +1,7 @@
 #include "development/ruler.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "core/text.h"
 
@@ -55,7 +56,17 @@ RulerReading Ruler::read(double offset, double visible, double secondOffset,
 RulerPlacement Ruler::place(double value, bool active, double visible, double secondVisible) const {
     RulerPlacement placement;
     if (type_ == rulertype::months) {
-        value /= 12;
+        // Months are placed on the middle of their own tick: going through
+        // years in three decimals would lose up to a month.
+        if (value > 0) {
+            const double months = std::floor(value + 1e-9);
+            placement.offset = ((months - 12.0 * min_) * kTick + kTick / 2) * scale_ - visible / 2;
+        }
+        placement.marks = active && value > 0;
+        if (placement.marks) {
+            placement.reading = read(placement.offset, visible);
+        }
+        return placement;
     }
     if (value > 0) {
         // "3.456" is the main ruler's 3.4 and the second ruler's 56.
@@ -75,6 +86,10 @@ RulerPlacement Ruler::place(double value, bool active, double visible, double se
     return placement;
 }
 
+double Ruler::leftPadding(double visible) const {
+    return visible / 2;
+}
+
 std::vector<RulerTick> Ruler::ticks() const {
     std::vector<RulerTick> result;
     const int perUnit = ticksPerUnit();
@@ -85,7 +100,13 @@ std::vector<RulerTick> Ruler::ticks() const {
         tick.x = static_cast<double>(i) * kTick * scale_;
         tick.whole = i % perUnit == 0;
         if (tick.whole) {
-            tick.label = std::to_string(min_ + i / perUnit);
+            // A month ruler is labelled by months, from zero on.
+            const long long unit = min_ + i / perUnit;
+            if (type_ != rulertype::months) {
+                tick.label = std::to_string(unit);
+            } else if (unit >= 0) {
+                tick.label = std::to_string(unit * 12);
+            }
         }
         result.push_back(std::move(tick));
     }

@@ -29,15 +29,18 @@ struct RulerPlacement {
     RulerReading reading;
 };
 
-// A tick and, on whole units, the label below it.
+// A tick and, on whole units, the label below it: the unit, or for a month
+// ruler the months of each whole year from zero on.
 struct RulerTick {
     double x = 0;
     bool whole = false;
-    std::string label;  // "%d": the unit, or the years of a month ruler
+    std::string label;
 };
 
 // The arithmetic of the ruler, without a screen: offsets are in points of
-// the scrolled content, visible widths are those of the scroll area.
+// the scrolled content, visible widths are those of the scroll area. A view
+// pads the content by half its width on the left, so the pointer in the
+// middle reaches the lowest values: offsets then start at minus that half.
 class Ruler {
 public:
     // The second ruler of a thousandths ruler is this wide, before scaling.
@@ -60,6 +63,8 @@ public:
     // Scrolls to the value (months for a month ruler). An inactive ruler or
     // a value of 0 or less hides the marks and reads no value.
     RulerPlacement place(double value, bool active, double visible, double secondVisible = 0) const;
+    // The room a view leaves on the left of the ruler.
+    double leftPadding(double visible) const;
 
     // The ticks of the label scale, left to right.
     std::vector<RulerTick> ticks() const;

@@ -106,6 +106,21 @@ private slots:
         // Inactive: no marks and no value.
         slider.setPosition(12, false);
         QCOMPARE(slider.getPosition(), 0.0);
+
+        // On a wide window the lowest values are still in reach, and a
+        // change of size tells no one.
+        slider.resize(600, 120);
+        slider.prepareRuller(-1, 12, development::rulertype::thousandths, false, false);
+        QTRY_COMPARE(slider.mainScroll()->viewport()->width(), 600);
+        slider.setPosition(0.25, true);
+        QCOMPARE(slider.text(), QStringLiteral("0.250"));
+        const auto toldBefore = told.size();
+        slider.resize(700, 120);
+        QTRY_COMPARE(slider.mainScroll()->viewport()->width(), 700);
+        QCOMPARE(slider.text(), QStringLiteral("0.250"));
+        QCOMPARE(told.size(), toldBefore);
+        slider.mainScroll()->horizontalScrollBar()->setValue(0);
+        QCOMPARE(slider.text(), QString());
     }
 
 private:

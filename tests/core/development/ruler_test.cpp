@@ -43,18 +43,27 @@ TEST(RulerTest, MonthsFromYearsAndTicks) {
     EXPECT_EQ(teeth.read(0, kVisible).position, 0);
     EXPECT_EQ(teeth.read(0, kVisible).text, "");
 
+    // Every month is placed on its own tick and read back whole.
+    for (int months : {1, 7, 13, 18, 180}) {
+        const auto placed = teeth.place(months, true, kVisible);
+        EXPECT_EQ(placed.reading.position, months);
+        EXPECT_EQ(placed.reading.text, std::to_string(months) + " мес.");
+    }
     const auto placed = teeth.place(18, true, kVisible);
-    EXPECT_EQ(placed.reading.text, "18 мес.");
-    EXPECT_EQ(placed.offset, 4.5 * 60 - 160);
-    EXPECT_EQ(teeth.read(placed.offset + 4, kVisible).position, 18);
-    EXPECT_EQ(teeth.read(placed.offset + 5, kVisible).position, 19);
+    EXPECT_EQ(teeth.read(placed.offset + 2, kVisible).position, 18);
+    EXPECT_EQ(teeth.read(placed.offset + 3, kVisible).position, 19);
 
+    // The scale is labelled by months from zero on.
     const auto ticks = teeth.ticks();
     ASSERT_EQ(ticks.size(), 18u * 12 + 1);
-    EXPECT_EQ(ticks[0].label, "-3");
+    EXPECT_EQ(ticks[0].label, "");
     EXPECT_EQ(ticks[36].label, "0");
+    EXPECT_EQ(ticks[48].label, "12");
     EXPECT_EQ(ticks[36].x, 180);
-    EXPECT_TRUE(ticks[1].label.empty());
+    EXPECT_TRUE(ticks[37].label.empty());
+    // Padded by half the view, the far left reads the minimum: no months.
+    EXPECT_EQ(teeth.leftPadding(600), 300);
+    EXPECT_EQ(teeth.read(-300, 600).text, "");
 }
 
 TEST(RulerTest, PlacingNothingOrInactiveHidesTheMarks) {
