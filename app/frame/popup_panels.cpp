@@ -43,6 +43,36 @@ constexpr int kHelpShownMs = 5000;
 constexpr int kCloseMs = 300;
 constexpr int kSlideMs = 250;
 
+// A phone's window gives a panel its whole width; a tablet's a panel of
+// its own width, in the middle.
+void placePanel(QWidget* layer, QFrame* panel, int height) {
+    const QSize area = layer->size();
+    const int width = area.width() < kPhoneWidth ? area.width() - 16 : kPanelWidth;
+    const int h = std::min(height, area.height() - 16);
+    panel->setGeometry((area.width() - width) / 2, (area.height() - h) / 2, width, h);
+}
+
+// Calls back whenever the watched widget changes size; it lives as long as
+// the widget that uses it.
+class ResizeWatcher final : public QObject {
+public:
+    ResizeWatcher(QWidget* watched, QObject* owner, std::function<void()> onResize)
+        : QObject(owner), onResize_(std::move(onResize)) {
+        watched->installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::Resize) {
+            onResize_();
+        }
+        return QObject::eventFilter(watched, event);
+    }
+
+private:
+    std::function<void()> onResize_;
+};
+
 // The dim layer over a window: a tap on it, outside the panel, closes what
 // can be closed that way.
 class DimLayer final : public QWidget {
@@ -90,9 +120,16 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override {
         if (watched == parentWidget() && event->type() == QEvent::Resize) {
             setGeometry(parentWidget()->rect());
+            if (auto* panel = qobject_cast<QFrame*>(childWithTag(this, kPopupPanelTag))) {
+                placePanel(this, panel, panelHeight);
+            }
         }
         return QWidget::eventFilter(watched, event);
     }
+
+public:
+    // The height the panel asked for, kept for when the window changes.
+    int panelHeight = 0;
 
 private:
     std::function<void()> onOutsideTap_;
@@ -107,15 +144,6 @@ QFrame* makePanel(QWidget* layer) {
         QStringLiteral("#popupPanel { background: #fbfaf7; border-radius: 14px; }"
                        "QLabel { color: #222; }"));
     return panel;
-}
-
-// A phone's window gives a panel its whole width; a tablet's a panel of
-// its own width, in the middle.
-void placePanel(QWidget* layer, QFrame* panel, int height) {
-    const QSize area = layer->size();
-    const int width = area.width() < kPhoneWidth ? area.width() - 16 : kPanelWidth;
-    const int h = std::min(height, area.height() - 16);
-    panel->setGeometry((area.width() - width) / 2, (area.height() - h) / 2, width, h);
 }
 
 QLabel* captionLabel(const QString& text, QWidget* parent) {
@@ -151,6 +179,7 @@ Popups::Popups(core::AppState& state, platform::SettingsStore& settings,
 
 Popups::~Popups() {
     close();
+    progressDialog(0, {}, {}, false, nullptr);
 }
 
 QString Popups::translated(const QString& text) const {
@@ -168,7 +197,10 @@ void Popups::setOpen(bool open) {
 void Popups::close(bool animated) {
     if (layer_ != nullptr) {
         if (animated) {
-            // The panel fades away while the caller carries on.
+            // The panel fades away while the caller carries on; it takes no
+            // more taps.
+            layer_->setEnabled(false);
+            layer_->setAttribute(Qt::WA_TransparentForMouseEvents);
             auto* effect = new QGraphicsOpacityEffect(layer_);
             layer_->setGraphicsEffect(effect);
             auto* fade = new QPropertyAnimation(effect, "opacity", layer_);
@@ -192,14 +224,16 @@ void Popups::close(bool animated) {
 }
 
 void Popups::closeAfter(std::function<void()> then, int delayMs) {
+    const QPointer<QWidget> parent = parent_;
     close();
     if (!then) {
         return;
     }
     if (delayMs <= 0) {
         then();
-    } else {
-        QTimer::singleShot(delayMs, this, std::move(then));
+    } else if (parent != nullptr) {
+        // Given to the parent: if its screen is gone by then, so is the call.
+        QTimer::singleShot(delayMs, parent.data(), std::move(then));
     }
 }
 
@@ -213,6 +247,16 @@ QPushButton* Popups::pictureButton(const QString& picture, const QString& captio
         button->setIconSize(QSize(32, 32));
     }
     return button;
+}
+
+void Popups::onPicture(QPushButton* button, const char* picture) const {
+    // The picture stretches behind the caption, white on it.
+    const QString file = QString::fromStdString(pictures_.pictures().file(picture).string());
+    button->setStyleSheet(QStringLiteral("QPushButton { color: white; border: none;"
+                                         " border-image: url(%1) 0 0 0 0 stretch stretch;"
+                                         " padding: 10px; font-size: 15px; }")
+                              .arg(file));
+    button->setMinimumHeight(46);
 }
 
 QPushButton* Popups::capButton(const char* picture, QWidget* parent) {
@@ -415,6 +459,9 @@ void Popups::popupDetail(int kind, const QString& caption, const QVariant& old, 
                     });
         }
         connect(ok, &QPushButton::clicked, this, [this, action, parentFlag] {
+            if (!wheels_) {
+                return;
+            }
             const QString value = QString::fromStdString(wheels_->value());
             closeAfter([=] { action(parentFlag, value); }, 0);
         });
@@ -462,8 +509,11 @@ void Popups::selectList(const QString& title, const QString& buttons, QWidget* p
                 [this, action, i] { closeAfter([=] { action(i); }, 0); });
         layout->addWidget(button);
     }
+    // The last line cancels, and tells its position as the others do.
     QPushButton* cancel = pictureButton({}, own("Отменить"), panel);
-    connect(cancel, &QPushButton::clicked, this, [this] { close(); });
+    const int cancelIndex = static_cast<int>(lines.size());
+    connect(cancel, &QPushButton::clicked, this,
+            [this, action, cancelIndex] { closeAfter([=] { action(cancelIndex); }, 0); });
     layout->addWidget(cancel);
     popupWindowShow();
 }
@@ -545,15 +595,19 @@ QFrame* Popups::popupFreeWindowCreate(int height, QWidget* parent) {
     }
     close();
     QWidget* window = parent->window();
-    auto* layer = new DimLayer(window, [this] {
+    QPointer<Popups> self(this);
+    auto* layer = new DimLayer(window, [self] {
         // Only a menu or a tooltip closes by a tap beside it; a picker or
         // a prompt might lose what was entered.
-        if (ppFlag_ == popupkind::menu || ppFlag_ == popupkind::tooltip) {
-            close();
+        if (self != nullptr &&
+            (self->ppFlag_ == popupkind::menu || self->ppFlag_ == popupkind::tooltip)) {
+            self->close();
         }
     });
     layer->hide();
+    layer->panelHeight = height;
     layer_ = layer;
+    parent_ = parent;
     panel_ = makePanel(layer);
     placePanel(layer, panel_, height);
     setOpen(true);
@@ -605,8 +659,7 @@ void Popups::askText(const QString& title, const QString& help, const QString& t
     QPushButton* cancel = pictureButton({}, own("Отменить"), panel);
     QPushButton* ok = pictureButton({}, commit, panel);
     ok->setObjectName(QStringLiteral("ok"));
-    ok->setStyleSheet(QStringLiteral(
-        "QPushButton { color: white; background: #e8892b; border-radius: 10px; padding: 8px; }"));
+    onPicture(ok, "orangeB2.png");
     buttons->addWidget(cancel);
     buttons->addWidget(ok);
     layout->addLayout(buttons);
@@ -622,7 +675,7 @@ void Popups::askText(const QString& title, const QString& help, const QString& t
 }
 
 QString Popups::askTextGetResult() const {
-    return askField_ != nullptr ? askField_->toPlainText() : QString();
+    return askField_ != nullptr ? askField_->toPlainText() : QStringLiteral("");
 }
 
 // ---- Tooltip ----
@@ -680,8 +733,9 @@ void Popups::progressDialog(double percent, const QString& caption, const QStrin
     if (progress_ == nullptr && parent != nullptr) {
         QWidget* window = parent->window();
         auto* layer = new DimLayer(window, {});
+        layer->panelHeight = 150;
         QFrame* panel = makePanel(layer);
-        placePanel(layer, panel, 150);
+        placePanel(layer, panel, layer->panelHeight);
         auto* layout = new QVBoxLayout(panel);
         layout->addWidget(captionLabel({}, panel));
         auto* text = new QLabel(panel);
@@ -717,7 +771,16 @@ QToolButton* Popups::helpInit(QWidget* header, std::function<void()> action) {
         pictures_.pictures().themed("help-icon2.png", state_.lightTheme), QSize(64, 64))));
     button->setIconSize(QSize(28, 28));
     button->setFixedSize(40, 40);
-    button->move(header->width() - 44, (header->height() - 40) / 2);
+    const auto keepAtRight = [button, header] {
+        button->move(header->width() - 44, (header->height() - 40) / 2);
+    };
+    keepAtRight();
+    new ResizeWatcher(header, button, keepAtRight);
+    auto* hide = new QTimer(button);
+    hide->setObjectName(QStringLiteral("hideHelp"));
+    hide->setSingleShot(true);
+    hide->setInterval(kHelpShownMs);
+    connect(hide, &QTimer::timeout, this, [this, header] { helpShow(header, false); });
     auto* effect = new QGraphicsOpacityEffect(button);
     effect->setOpacity(0);
     button->setGraphicsEffect(effect);
@@ -743,7 +806,9 @@ void Popups::helpShow(QWidget* header, bool show) {
         button->show();
         button->raise();
         // It goes again by itself; the hint is only a nudge.
-        QTimer::singleShot(kHelpShownMs, button, [this, header] { helpShow(header, false); });
+        if (auto* hide = button->findChild<QTimer*>(QStringLiteral("hideHelp"))) {
+            hide->start();
+        }
     } else {
         connect(fade, &QPropertyAnimation::finished, button, &QWidget::hide);
     }
@@ -797,7 +862,9 @@ void Popups::firstStart(QWidget* parent, IndexAction action, bool newversion) {
     panel->setStyleSheet(
         QStringLiteral("#firstStart { background: #fbfaf7; } QLabel { color: #222; }"
                        "QPushButton { padding: 10px; font-size: 15px; }"));
-    panel->setGeometry(parent->window()->rect());
+    QWidget* window = parent->window();
+    panel->setGeometry(window->rect());
+    new ResizeWatcher(window, panel, [panel, window] { panel->setGeometry(window->rect()); });
     auto* layout = new QVBoxLayout(panel);
     layout->setContentsMargins(20, 24, 20, 20);
     auto* icon = new QLabel(panel);
@@ -837,6 +904,8 @@ void Popups::firstStart(QWidget* parent, IndexAction action, bool newversion) {
     layout->addWidget(start);
     panel->show();
     panel->raise();
+    // Greeted once per version; the counts of the rating request start anew.
+    firstStartDone(settings_, state_.versionKey);
 }
 
 }  // namespace tilika::frame

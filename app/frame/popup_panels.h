@@ -137,6 +137,7 @@ private:
     QString translated(const QString& text) const;
     QPushButton* pictureButton(const QString& picture, const QString& caption, QWidget* parent);
     QPushButton* capButton(const char* picture, QWidget* parent);
+    void onPicture(QPushButton* button, const char* picture) const;
     // The head of a picker panel; answers its OK button.
     QPushButton* pickerHead(const QString& caption, QFrame* panel, QVBoxLayout* layout);
     void close(bool animated = false);
@@ -151,6 +152,7 @@ private:
 
     int ppFlag_ = 0;
     QPointer<QWidget> layer_;
+    QPointer<QWidget> parent_;
     QPointer<QFrame> panel_;
     QPointer<QTextEdit> askField_;
     QPointer<QWidget> progress_;

@@ -33,6 +33,10 @@ struct Ink {
     }
 };
 
+double zoomOf(const GraphDic& dic) {
+    return dic.zoom > 0 && std::isfinite(dic.zoom) ? dic.zoom : 1;
+}
+
 Color withAlpha(Color color, double alpha) {
     color.a = alpha;
     return color;
@@ -78,7 +82,7 @@ void dashedLine(Canvas& canvas, const std::vector<Point>& points, const Color& c
 // plot area cuts a label at its edge.
 void drawNewLine(Canvas& canvas, const GraphDic& dic, const std::vector<GraphPoint>& data,
                  const Rect& plot, int type, const Color& fore, const Ink& ink) {
-    const double z = dic.zoom;
+    const double z = zoomOf(dic);
     std::vector<Point> points;
     for (const auto& point : data) {
         if (const auto at = getPoint(dic, point, plot)) {
@@ -122,7 +126,7 @@ void drawNewLine(Canvas& canvas, const GraphDic& dic, const std::vector<GraphPoi
 
 void drawLabels(Canvas& canvas, const GraphDic& dic, const std::vector<GraphPoint>& data,
                 const Rect& plot, int type, const Color& fore, const Ink& ink) {
-    const double z = dic.zoom;
+    const double z = zoomOf(dic);
     const Color text = ink(dic.textColor.value_or(kDarkText));
     const Font labelFont{9 * z};
     for (const auto& point : data) {
@@ -176,7 +180,7 @@ Color nextColor(int number) {
 }
 
 Rect plotRect(const GraphDic& dic, const Rect& rect) {
-    const double z = dic.zoom;
+    const double z = zoomOf(dic);
     double top = rect.y + 6 * z + (dic.caption.empty() ? 0 : 20 * z);
     double bottom = rect.bottom() - 6 * z;
     bottom -= dic.bottomLine != 0 ? 16 * z : 0;
@@ -222,13 +226,16 @@ std::vector<double> yTicks(double min, double max) {
 
 void drawNewGraph(Canvas& canvas, const GraphDic& dic, const Rect& rect, bool grey) {
     const Ink ink{grey};
-    const double z = dic.zoom > 0 ? dic.zoom : 1;
+    const double z = zoomOf(dic);
     const Rect plot = plotRect(dic, rect);
     const Color text = ink(dic.textColor.value_or(kDarkText));
     const Font small{9 * z};
 
     if (dic.backgroundColor) {
         canvas.fillRect(rect, ink(*dic.backgroundColor));
+    }
+    if (!dic.mainImageBackgroud.empty()) {
+        canvas.drawImage(dic.mainImageBackgroud, rect, 1);
     }
     if (!dic.mainImage.empty()) {
         canvas.drawImage(dic.mainImage, plot, 1);
@@ -304,8 +311,11 @@ void drawNewGraph(Canvas& canvas, const GraphDic& dic, const Rect& rect, bool gr
     if (!dic.legenda.empty()) {
         double x = plot.x;
         for (const auto& entry : dic.legenda) {
+            // Entries past the curves name the shares of a ring, in its colours.
             const Color color =
-                curveColor(dic, static_cast<std::size_t>(std::clamp(entry.pos, 1, 3) - 1));
+                entry.pos > 3
+                    ? nextColor(entry.pos)
+                    : curveColor(dic, static_cast<std::size_t>(std::clamp(entry.pos, 1, 3) - 1));
             const double alpha = entry.checked ? 1 : 0.35;
             canvas.fillRect(Rect{x, bottom + 4 * z, 10 * z, 6 * z}, ink(withAlpha(color, alpha)));
             const double width = canvas.measureText(entry.caption, small, 0).width;

@@ -59,7 +59,8 @@ struct GraphDic {
     std::array<std::vector<GraphPoint>, 3> graph;
     std::array<int, 3> graphType{linestyle::shadeAbove, linestyle::shadeAbove,
                                  linestyle::shadeAbove};
-    std::array<std::optional<platform::Color>, 3> graphColor;  // the first takes mainColor
+    // The first takes mainColor; legend entries past the third take nextColor.
+    std::array<std::optional<platform::Color>, 3> graphColor;
     std::vector<GraphPoint> points;
     std::vector<ImageHint> imageHints;
     std::vector<LegendEntry> legenda;
@@ -72,6 +73,8 @@ struct GraphDic {
     std::string caption;
     std::string bottomCaption;
     std::string mainImage;
+    // A picture behind the whole graph; the key has always been spelled so.
+    std::string mainImageBackgroud;
 };
 
 GraphDic initGraphDic();

@@ -196,6 +196,40 @@ private slots:
         QTRY_VERIFY(layer.isNull());
     }
 
+    void panelsThatCloseOrWhoseParentGoes() {
+        // A picker fading away takes no more taps.
+        int told = 0;
+        popups_->popupDetail(frame::popupkind::length, QStringLiteral("Длительность"), {},
+                             window_.get(), 1, [&](int, const QVariant&) { ++told; });
+        QPushButton* ok = popups_->panel()->findChild<QPushButton*>(QStringLiteral("ok"));
+        popups_->ppCancel();
+        ok->click();
+        QCOMPARE(told, 0);
+
+        // A menu whose screen is gone by the time it answers answers no one.
+        auto screen = std::make_unique<QWidget>(window_.get());
+        popups_->popupMenu(QStringLiteral("Удалить<td>pm-clear.png"), screen.get(),
+                           [&](const QString&, const QString&) { ++told; }, {});
+        popups_->panel()->findChild<QToolButton*>()->click();
+        screen.reset();
+        QTest::qWait(700);
+        QCOMPARE(told, 0);
+
+        // The last line of a choice cancels and tells its position.
+        int chosen = -1;
+        popups_->selectList(QStringLiteral("Фото"), QStringLiteral("Камера<br>Галерея"),
+                            window_.get(), [&](int index) { chosen = index; });
+        const auto buttons = popups_->panel()->findChildren<QPushButton*>();
+        buttons.back()->click();
+        QCOMPARE(chosen, 2);
+
+        // An open panel keeps to the window when it changes.
+        popups_->popupTooltip(QStringLiteral("empty-u"), window_.get());
+        window_->resize(900, 400);
+        QTRY_COMPARE(popups_->panel()->width(), 340);
+        QVERIFY(popups_->panel()->geometry().bottom() < 400);
+    }
+
     void welcomePageButtons() {
         int chosen = 0;
         popups_->firstStart(
@@ -210,6 +244,7 @@ private slots:
             }
         }
         QVERIFY(cloud != nullptr);
+        QVERIFY(!frame::firstStartDue(*settings_, state_->versionKey));
         cloud->click();
         QCOMPARE(chosen, 4);
         QTRY_VERIFY(frame::childWithTag(window_.get(), frame::kFirstStartTag) == nullptr);

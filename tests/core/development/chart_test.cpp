@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "platform/recording_canvas.h"
 
 namespace tilika::development {
@@ -105,6 +107,43 @@ TEST(ChartTest, TicksLabelsCurvesAndLegend) {
     const auto grey = ofKind(greyCanvas, DrawCommand::Kind::StrokePath)[2].color;
     EXPECT_EQ(grey.r, grey.g);
     EXPECT_EQ(grey.g, grey.b);
+}
+
+TEST(ChartTest, LineStylesAndLegendColours) {
+    GraphDic dic = initGraphDic();
+    dic.xAxisMax = 10;
+    dic.yAxisMax = 10;
+    dic.zoom = 0;  // no zoom at all draws at the natural size
+    for (int x = 0; x <= 10; x += 5) {
+        addPoint(dic.graph[0], x, x);
+        addPoint(dic.graph[1], x, 5);
+        addPoint(dic.graph[2], x, 10 - x);
+    }
+    dic.graph[0][1].label = "5";
+    dic.graphType = {linestyle::dotsOnly, linestyle::thick, linestyle::dashed};
+    addToLegenda(dic, "Пятый ответ", 5, true);
+    const Rect rect{0, 0, 300, 200};
+    platform::RecordingCanvas canvas;
+    drawNewGraph(canvas, dic, rect);
+
+    // Style 1: dots, no line; style 6: one thick line; style 8: dashes.
+    const auto strokes = ofKind(canvas, DrawCommand::Kind::StrokePath);
+    ASSERT_EQ(strokes.size(), 1u);
+    EXPECT_EQ(strokes[0].lineWidth, 5);
+    EXPECT_EQ(ofKind(canvas, DrawCommand::Kind::FillRoundedRect).size(), 3u);
+    const auto lines = ofKind(canvas, DrawCommand::Kind::Line);
+    std::size_t dashes = 0;
+    for (const auto& line : lines) {
+        if (line.color == nextColor(3)) {
+            ++dashes;
+            EXPECT_LE(std::hypot(line.to.x - line.from.x, line.to.y - line.from.y), 5 + 1e-9);
+        }
+    }
+    EXPECT_GT(dashes, 20u);
+    // A legend entry past the three curves takes the colour of its share.
+    const auto swatches = ofKind(canvas, DrawCommand::Kind::FillRect);
+    ASSERT_FALSE(swatches.empty());
+    EXPECT_EQ(swatches.back().color, nextColor(5));
 }
 
 TEST(ChartTest, GraphWithoutRangeDrawsAxesAlone) {

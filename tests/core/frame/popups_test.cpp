@@ -73,12 +73,14 @@ TEST(PopupsTest, WelcomeOfAFirstStartAndOfANewVersion) {
     platform::JsonSettingsStore settings(dir.path() / "settings.json");
     settings.setBool(core::keys::firstStart, true);
     settings.setInt(core::keys::becomeActive, 17);
+    settings.setBool(core::keys::rating, true);
     EXPECT_TRUE(firstStartDue(settings, "0-1-0"));
     firstStartDone(settings, "0-1-0");
     EXPECT_FALSE(firstStartDue(settings, "0-1-0"));
     EXPECT_TRUE(firstStartDue(settings, "0-2-0"));
     EXPECT_FALSE(settings.boolValue(core::keys::firstStart));
     EXPECT_EQ(settings.intValue(core::keys::becomeActive), 0);
+    EXPECT_FALSE(settings.boolValue(core::keys::rating));
 }
 
 }  // namespace
