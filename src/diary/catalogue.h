@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "diary/reference_lists.h"
 #include "platform/image_codec.h"
 
 namespace tilika::diary {
@@ -83,6 +84,19 @@ struct CatalogueRow {
     // removed) and the picture itself.
     int save = 0;
     std::optional<platform::Image> image;
+
+    // Form keys of lists, sliders, stopwatches and teeth.
+    std::vector<ListRow> list;  // the items of a list row
+    int listtype = 0;           // 1 one choice, 2 many
+    int listedittype = 0;       // how a new item is added: 1, 2 or 3
+    std::string scalemin;
+    std::string scalemax;
+    std::string scaletype;  // "3" keeps three decimals
+    bool startactive = false;
+    std::string autocalc;  // "start", "end" or "length" of one span
+    bool startbutton = false;
+    std::string startprogress;
+    std::string tooth;  // the teeth known before, joined by "<tr>"
 };
 
 // Appends one row with an empty value and reading.

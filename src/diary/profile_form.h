@@ -7,6 +7,7 @@
 
 #include "diary/catalogue.h"
 #include "diary/profiles.h"
+#include "frame/form_kinds.h"
 
 namespace tilika::core {
 struct Context;
@@ -18,20 +19,7 @@ class ImageCodec;
 namespace tilika::diary {
 
 // Form row kinds the profile form uses.
-namespace formtp {
-inline constexpr int separator = 1001;
-inline constexpr int heading = 1002;
-inline constexpr int date = 1003;
-inline constexpr int time = 1004;
-inline constexpr int textLine = 1006;
-inline constexpr int number = 1007;
-inline constexpr int segments = 1009;
-inline constexpr int photo = 1010;
-inline constexpr int figures = 1011;
-inline constexpr int listPick = 1017;
-inline constexpr int button = 1023;
-inline constexpr int documents = 1024;
-}  // namespace formtp
+namespace formtp = frame::formkind;
 
 // What the caller does with the filled form: save an existing child under
 // its guid, or a new one under a fresh guid.

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "diary/catalogue.h"
+
+namespace tilika::frame {
+
+using FormRows = std::vector<diary::CatalogueRow>;
+
+// Minutes as "HH:mm", each part the last two digits: 90 is "01:30"; no value
+// is "00:00".
+std::string mtt(std::optional<long long> minutes);
+// "HH:mm" as minutes; a text without ":" is read as a number of minutes.
+long long ttm(std::string_view text);
+// The text padded on the left by the mask: inMask("7", "00") is "07".
+std::string inMask(std::string_view text, std::string_view mask);
+// The span between two times, across midnight ("23:30" to "00:10" is
+// "00:40"), or the end of a span from its start and length. Only a minute
+// sum above 60 carries: "08:30" and "00:30" end at "08:60", as stored spans
+// always have. Nothing when both or neither of end and interval are given.
+std::optional<std::string> countInterval(std::string_view start,
+                                         std::optional<std::string_view> end,
+                                         std::optional<std::string_view> interval);
+
+// The value a slider row keeps for the ruler's position.
+std::string sliderSource(double position, std::string_view scaletype);
+
+// A tap on an item of a list row: with one choice it clears all and then
+// flips the item, so a second tap leaves nothing; with many it flips the
+// item. The row's value becomes the checked indices joined by "<tr>".
+void checkTableItem(diary::CatalogueRow& row, std::size_t item);
+
+// The value of the teeth row: each tooth newly marked adds its number, each
+// tooth no longer marked its number plus 100, joined by "<tr>".
+std::string teethSource(std::string_view tooth, const std::vector<bool>& marks);
+// The marks of the teeth known before, for the 20 teeth.
+std::vector<bool> teethMarks(std::string_view tooth);
+
+// What the form tells when a required row is empty; only the first is told.
+struct FieldError {
+    std::size_t row = 0;  // from 0
+    std::string message;
+    std::string caption;  // "Ошибка"
+};
+std::optional<FieldError> checkField(const FormRows& rows);
+
+// The row with this field, from 1, or 0; and its value.
+std::size_t posByField(const FormRows& rows, std::string_view field);
+std::optional<std::string> fieldValue(const FormRows& rows, std::string_view field);
+
+// Fills the value of each row that has a field from the defaults.
+void fillSources(FormRows& rows, const std::map<std::string, std::string>& defaults);
+// A form of action rows alone has no OK button.
+bool hidesOk(const FormRows& rows);
+
+// After the start, end or length row changed, the other one of the span
+// follows. Nothing happens unless all three rows are there. Answers the row
+// that was set, from 0.
+std::optional<std::size_t> autocalc(FormRows& rows, std::size_t changed);
+
+// The body index from height in centimetres and weight in kilograms.
+struct BodyIndex {
+    std::string text;    // the line the form shows
+    std::string source;  // the index, or "2" when it can't be told
+};
+BodyIndex bodyIndex(double rost, double ves);
+
+}  // namespace tilika::frame
