@@ -96,13 +96,17 @@ void checkTableItem(diary::CatalogueRow& row, std::size_t item) {
         }
     }
     row.list[item].checked = !wasChecked;
+    row.source = checkedIndices(row.list);
+}
+
+std::string checkedIndices(const std::vector<diary::ListRow>& list) {
     std::vector<std::string> checked;
-    for (const auto& entry : row.list) {
+    for (const auto& entry : list) {
         if (entry.checked) {
             checked.push_back(entry.index);
         }
     }
-    row.source = core::join(checked, "<tr>");
+    return core::join(checked, "<tr>");
 }
 
 std::vector<bool> teethMarks(std::string_view tooth) {

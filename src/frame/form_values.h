@@ -34,6 +34,8 @@ std::string sliderSource(double position, std::string_view scaletype);
 // flips the item, so a second tap leaves nothing; with many it flips the
 // item. The row's value becomes the checked indices joined by "<tr>".
 void checkTableItem(diary::CatalogueRow& row, std::size_t item);
+// The indices of the checked items, in list order, joined by "<tr>".
+std::string checkedIndices(const std::vector<diary::ListRow>& list);
 
 // The value of the teeth row: each tooth newly marked adds its number, each
 // tooth no longer marked its number plus 100, joined by "<tr>".
