@@ -7,14 +7,6 @@
 
 namespace tilika::development {
 
-namespace {
-
-platform::Color fromQColor(const QColor& color) {
-    return {color.redF(), color.greenF(), color.blueF(), color.alphaF()};
-}
-
-}  // namespace
-
 chart::chart(const platform::QtPictures& pictures, QWidget* parent)
     : QWidget(parent), pictures_(pictures) {}
 
@@ -43,7 +35,8 @@ void chart::drawContext(QPainter& painter, const QRectF& rect) const {
     if (gtp_ == kGraph) {
         drawNewGraph(canvas, gdic_, area, grey_);
     } else if (gtp_ == kProgress) {
-        drawProgressRing(canvas, area, gpos_, fromQColor(gcolor_), fromQColor(gbcolor_));
+        drawProgressRing(canvas, area, gpos_, platform::fromQColor(gcolor_),
+                         platform::fromQColor(gbcolor_));
     }
 }
 

@@ -9,6 +9,7 @@
 #include "frame/backgrounds.h"
 #include "frame/pictures.h"
 #include "frame/translation.h"
+#include "platform/qt_canvas.h"
 #include "platform/qt_pictures.h"
 
 namespace tilika::frame {
@@ -16,11 +17,6 @@ namespace tilika::frame {
 namespace {
 
 constexpr char kTagProperty[] = "tag";
-
-QColor toQColor(const platform::Color& color) {
-    return QColor::fromRgbF(static_cast<float>(color.r), static_cast<float>(color.g),
-                            static_cast<float>(color.b), static_cast<float>(color.a));
-}
 
 void setTextColor(QWidget* widget, const QColor& color) {
     QPalette palette = widget->palette();
@@ -125,7 +121,7 @@ void correctBackground(QWidget* view, bool bd, core::AppState& state,
         backdropView->hide();
         if (backdrop.plain) {
             QPalette palette = view->palette();
-            palette.setColor(QPalette::Window, toQColor(*backdrop.plain));
+            palette.setColor(QPalette::Window, platform::toQColor(*backdrop.plain));
             view->setPalette(palette);
             view->setAutoFillBackground(true);
         }

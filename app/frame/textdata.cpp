@@ -85,18 +85,21 @@ textdata::~textdata() {
 
 void textdata::prepareTextFromFile(const QString& name, bool withscroll,
                                    std::optional<QString> append) {
+    fitWidth();
     page_->prepareTextFromFile(name.toStdString(), withscroll,
                                append ? std::optional(append->toStdString()) : std::nullopt);
     pageChanged();
 }
 
 void textdata::prepareTextFromString(const QString& markup, bool withscroll) {
+    fitWidth();
     page_->prepareTextFromString(markup.toStdString(), withscroll);
     pageChanged();
 }
 
 void textdata::prepareTextFromJSONString(const QString& json, bool withscroll,
                                          std::optional<QString> append) {
+    fitWidth();
     page_->prepareTextFromJSONString(json.toStdString(), withscroll,
                                      append ? std::optional(append->toStdString()) : std::nullopt);
     pageChanged();
@@ -119,7 +122,8 @@ void textdata::pageChanged() {
 
 void textdata::fitWidth() {
     // Until it is shown the view has no real width; the page is laid out
-    // again once it has.
+    // again once it has. Called before a page is built too, so the first
+    // build is already at the width that shows.
     const int width = scroll_->viewport()->width();
     if (isVisible() && width > 0) {
         page_->setWidth(width);

@@ -14,11 +14,6 @@ namespace tilika::platform {
 
 namespace {
 
-QColor toQColor(const Color& color) {
-    return QColor::fromRgbF(static_cast<float>(color.r), static_cast<float>(color.g),
-                            static_cast<float>(color.b), static_cast<float>(color.a));
-}
-
 QRectF toQRect(const Rect& rect) {
     return QRectF(rect.x, rect.y, rect.width, rect.height);
 }
@@ -99,6 +94,15 @@ LaidText layText(std::string_view text, const QFont& font, const QPaintDevice* d
 }
 
 }  // namespace
+
+QColor toQColor(const Color& color) {
+    return QColor::fromRgbF(static_cast<float>(color.r), static_cast<float>(color.g),
+                            static_cast<float>(color.b), static_cast<float>(color.a));
+}
+
+Color fromQColor(const QColor& color) {
+    return {color.redF(), color.greenF(), color.blueF(), color.alphaF()};
+}
 
 QtCanvas::QtCanvas(QPainter& painter, const QtPictures& pictures, QPagedPaintDevice* pages)
     : painter_(&painter), pictures_(&pictures), pages_(pages), device_(painter.device()) {

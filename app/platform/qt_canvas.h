@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QColor>
 #include <QFont>
 
 #include "platform/canvas.h"
@@ -11,6 +12,10 @@ class QPainter;
 namespace tilika::platform {
 
 class QtPictures;
+
+// Colours between the canvas and Qt.
+QColor toQColor(const Color& color);
+Color fromQColor(const QColor& color);
 
 // The canvas over QPainter, on a widget, an image or a PDF writer. One unit
 // of the canvas is one unit of the painter, font sizes included, so a layout
