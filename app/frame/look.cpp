@@ -18,18 +18,18 @@ namespace {
 
 constexpr char kTagProperty[] = "tag";
 
+QString translated(const core::AppState& state, const QString& text) {
+    return QString::fromStdString(translate(state, text.toStdString()));
+}
+
+}  // namespace
+
 void setTextColor(QWidget* widget, const QColor& color) {
     QPalette palette = widget->palette();
     palette.setColor(QPalette::WindowText, color);
     palette.setColor(QPalette::Text, color);
     widget->setPalette(palette);
 }
-
-QString translated(const core::AppState& state, const QString& text) {
-    return QString::fromStdString(translate(state, text.toStdString()));
-}
-
-}  // namespace
 
 void setTag(QWidget* widget, int tag) {
     widget->setProperty(kTagProperty, tag);

@@ -17,6 +17,8 @@ namespace tilika::frame {
 // Widgets that screens find again by number carry it as the property "tag".
 void setTag(QWidget* widget, int tag);
 int tag(const QObject* object);
+// Text drawn on the widget, and typed into it, in this colour.
+void setTextColor(QWidget* widget, const QColor& color);
 QWidget* childWithTag(const QWidget* parent, int tag);
 
 inline constexpr int kBackdropTag = -1900;

@@ -79,6 +79,8 @@ struct AppState {
     bool blurShown = false;
     // A popup is up: the pages don't swipe under it.
     bool popupShown = false;
+    // Forms open over the screens, counted while they are up.
+    int openForms = 0;
 
     std::optional<std::string> activeGid;
     std::optional<std::string> pendingShortcut;

@@ -86,7 +86,9 @@ struct CatalogueRow {
     std::optional<platform::Image> image;
 
     // Form keys of lists, sliders, stopwatches and teeth.
-    std::vector<ListRow> list;  // the items of a list row
+    std::vector<ListRow> list;      // the items of a list row
+    std::vector<ListRow> listdata;  // ready items of a list not kept among the reference lists
+    int celltype = 0;               // how the items of a list row are drawn
     int listtype = 0;           // 1 one choice, 2 many
     int listedittype = 0;       // how a new item is added: 1, 2 or 3
     std::string scalemin;

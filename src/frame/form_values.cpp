@@ -3,7 +3,9 @@
 #include <algorithm>
 
 #include "core/text.h"
+#include "diary/display_texts.h"
 #include "frame/form_kinds.h"
+#include "medication/regimen_texts.h"
 
 namespace tilika::frame {
 
@@ -123,6 +125,22 @@ std::vector<bool> teethMarks(std::string_view tooth) {
     return marks;
 }
 
+std::vector<bool> teethMarks(std::string_view tooth, std::string_view changes) {
+    auto marks = teethMarks(tooth);
+    if (changes.empty()) {
+        return marks;
+    }
+    for (const auto& change : core::split(changes, "<tr>")) {
+        const int n = core::intValue(change);
+        if (n >= 1 && n <= 20) {
+            marks[static_cast<std::size_t>(n - 1)] = true;
+        } else if (n >= 101 && n <= 120) {
+            marks[static_cast<std::size_t>(n - 101)] = false;
+        }
+    }
+    return marks;
+}
+
 std::string teethSource(std::string_view tooth, const std::vector<bool>& marks) {
     const auto before = teethMarks(tooth);
     std::vector<std::string> changes;
@@ -134,6 +152,46 @@ std::string teethSource(std::string_view tooth, const std::vector<bool>& marks) 
         }
     }
     return core::join(changes, "<tr>");
+}
+
+std::string shownValue(const diary::CatalogueRow& row, const std::vector<diary::ListRow>& list) {
+    switch (row.tp) {
+        case formkind::listPick:
+            return diary::checkStringToRead(row.source, list);
+        case formkind::dosePicker:
+            return medication::dozaToRead3(row.source);
+        case formkind::oftenPicker:
+            return medication::periodToRead3(row.source);
+        case formkind::lengthPicker:
+            return medication::intervalToRead3(row.source, false);
+        case formkind::dateTime:
+        case formkind::moment:
+        case formkind::momentEntry:
+            return row.source.empty() ? std::string("00:00") : row.source;
+        default:
+            return row.source;
+    }
+}
+
+std::vector<std::string> timesOf(std::string_view source) {
+    if (source.empty()) {
+        source = medication::kFallbackTimes;
+    }
+    return core::split(source, "<td>");
+}
+
+std::string replaceTime(std::string_view source, std::size_t position, std::string_view time) {
+    auto times = timesOf(source);
+    if (position < times.size()) {
+        times[position] = time;
+    }
+    return core::join(times, "<td>");
+}
+
+std::string elapsedText(long long milliseconds) {
+    const long long seconds = std::max(0LL, milliseconds) / 1000;
+    return std::to_string(seconds / 3600) + ":" + lastTwo(seconds / 60 % 60) + ":" +
+           lastTwo(seconds % 60);
 }
 
 std::optional<FieldError> checkField(const FormRows& rows) {

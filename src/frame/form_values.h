@@ -42,6 +42,21 @@ std::string checkedIndices(const std::vector<diary::ListRow>& list);
 std::string teethSource(std::string_view tooth, const std::vector<bool>& marks);
 // The marks of the teeth known before, for the 20 teeth.
 std::vector<bool> teethMarks(std::string_view tooth);
+// The marks once the changes of a teeth row's value are applied to them.
+std::vector<bool> teethMarks(std::string_view tooth, std::string_view changes);
+
+// What a row shows beside its caption for its value: the captions of the
+// chosen list items, the reading of a course's amounts, or the value itself.
+// A date and time row with no value shows "00:00".
+std::string shownValue(const diary::CatalogueRow& row, const std::vector<diary::ListRow>& list);
+
+// The times of a times row, and that value with one of them replaced.
+// A row with no value at all starts from the fallback times.
+std::vector<std::string> timesOf(std::string_view source);
+std::string replaceTime(std::string_view source, std::size_t position, std::string_view time);
+
+// The running stopwatch: hours, then minutes and seconds of two digits.
+std::string elapsedText(long long milliseconds);
 
 // What the form tells when a required row is empty; only the first is told.
 struct FieldError {

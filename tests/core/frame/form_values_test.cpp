@@ -112,9 +112,38 @@ TEST(FormValuesTest, RowsByFieldDefaultsTeethAndTheOkButton) {
     marks[4] = true;
     EXPECT_EQ(teethSource(rows[1].tooth, marks), "102<tr>5");
     EXPECT_EQ(teethSource(rows[1].tooth, teethMarks(rows[1].tooth)), "");
+    // A form built again from its value shows the teeth as the user left
+    // them; numbers off the chart change nothing.
+    EXPECT_EQ(teethMarks(rows[1].tooth, "102<tr>5<tr>21<tr>121"), marks);
 
     EXPECT_FALSE(hidesOk(rows));
     EXPECT_TRUE(hidesOk({row(formkind::action, ""), row(formkind::action, "")}));
+}
+
+TEST(FormValuesTest, WhatRowsShowAndTheTimesRow) {
+    auto dose = row(formkind::dosePicker, "pilldoza");
+    dose.source = "1/2<td>шт.";
+    EXPECT_EQ(shownValue(dose, {}), "1/2 штуки");
+    auto often = row(formkind::oftenPicker, "pillinter");
+    often.source = "3<td>раз в сутки";
+    EXPECT_EQ(shownValue(often, {}), "3 раза в сутки");
+    auto length = row(formkind::lengthPicker, "pilllength");
+    length.source = "1<td>недели";
+    EXPECT_EQ(shownValue(length, {}), "1 неделю");
+    auto pick = row(formkind::listPick, "pillname");
+    pick.source = "guid-second<tr>guid-gone";
+    const std::vector<diary::ListRow> medicines{{"Нурофен", "guid-first", 101, 0, 1, false},
+                                                {"Парацетамол", "guid-second", 101, 0, 1, false}};
+    EXPECT_EQ(shownValue(pick, medicines), "Парацетамол");
+    EXPECT_EQ(shownValue(row(formkind::dateTime, "when"), {}), "00:00");
+
+    EXPECT_EQ(timesOf(""), (std::vector<std::string>{"08:00", "13:00", "18:00"}));
+    EXPECT_EQ(replaceTime("08:00<td>15:00<td>22:00", 1, "16:30"), "08:00<td>16:30<td>22:00");
+    EXPECT_EQ(replaceTime("", 0, "07:00"), "07:00<td>13:00<td>18:00");
+    EXPECT_EQ(replaceTime("08:00", 3, "07:00"), "08:00");
+
+    EXPECT_EQ(elapsedText(0), "0:00:00");
+    EXPECT_EQ(elapsedText(((26 * 60 + 5) * 60 + 7) * 1000LL + 999), "26:05:07");
 }
 
 TEST(FormValuesTest, BodyIndexAtItsBounds) {

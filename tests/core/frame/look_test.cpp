@@ -132,12 +132,14 @@ TEST(TranslationTest, LanguagesFromTheBundleDatabase) {
 TEST(PicturesTest, TheBundledSetHasEveryVariant) {
     const Pictures pictures(test::resourceDir() / "pictures");
     for (const char* name :
-         {"ne-achiv128.png", "ne-health128.png",  "ne-nurse.png",    "ne-vaccin.png",
-          "ne-pills128.png", "ne-doctor.png",     "ne-temp128.png",  "ne-weight.png",
-          "ne-ruler.png",    "ne-smileicon.png",  "ne-alarm128.png", "ne-childsize.png",
-          "ne-tooth.png",    "ne-analizy128.png", "ne-sleep.png",    "ne-walk.png",
-          "ne-notepad.png",  "text-next.png",     "etc-up2.png",     "etc-down2.png",
-          "text-doc.png"}) {
+         {"ne-achiv128.png", "ne-health128.png",  "ne-nurse.png",     "ne-vaccin.png",
+          "ne-pills128.png", "ne-doctor.png",     "ne-temp128.png",   "ne-weight.png",
+          "ne-ruler.png",    "ne-smileicon.png",  "ne-alarm128.png",  "ne-childsize.png",
+          "ne-tooth.png",    "ne-analizy128.png", "ne-sleep.png",     "ne-walk.png",
+          "ne-notepad.png",  "text-next.png",     "etc-up2.png",      "etc-down2.png",
+          "text-doc.png",    "pills1.png",        "pills7.png",       "size.png",
+          "num1.png",        "num5.png",          "clear-photo2.png", "add-row.png",
+          "stopwatch.png",   "pm-photo.png",      "pm-image.png"}) {
         EXPECT_TRUE(pictures.exists(name)) << name;
         EXPECT_EQ(pictures.themed(name, true), std::string("b-") + name);
         EXPECT_EQ(pictures.colored(name, true), std::string("c-") + name);
@@ -147,6 +149,11 @@ TEST(PicturesTest, TheBundledSetHasEveryVariant) {
         EXPECT_TRUE(pictures.exists(name)) << name;
         EXPECT_EQ(pictures.themed(name, true), name);  // no variant: the plain one
         EXPECT_EQ(pictures.file(std::string("b-") + name), pictures.file(name));
+    }
+    // The teeth chart: the jaw and a mark for each of the 20 teeth.
+    EXPECT_TRUE(pictures.exists("tooth-m.png"));
+    for (int n = 1; n <= 20; ++n) {
+        EXPECT_TRUE(pictures.exists("tooth-" + std::to_string(n) + ".png")) << n;
     }
     for (int i = 1; i <= kBackgroundCount; ++i) {
         for (const char* form : {"bg640-", "bd640-", "bs-"}) {

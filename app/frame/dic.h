@@ -1,0 +1,213 @@
+#pragma once
+
+#include <QImage>
+#include <QPointer>
+#include <QString>
+#include <QTimer>
+#include <QWidget>
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "core/date.h"
+#include "frame/form_dialogs.h"
+#include "frame/form_values.h"
+
+class QLabel;
+class QPushButton;
+class QScrollArea;
+class QVBoxLayout;
+
+namespace tilika::core {
+struct AppState;
+class Dates;
+}  // namespace tilika::core
+namespace tilika::diary {
+class ReferenceLists;
+}
+namespace tilika::platform {
+class QtPictures;
+}
+
+namespace tilika::frame {
+
+class Popups;
+
+// What every form needs of the program around it.
+struct FormServices {
+    core::AppState& state;
+    const core::Dates& dates;
+    Popups& popups;
+    const platform::QtPictures& pictures;
+    // The reference lists that list rows pick from and add to; without them
+    // lists are what the caller put in the rows.
+    diary::ReferenceLists* lists = nullptr;
+};
+
+// What a form hands back to its caller: the caller's tag, and the rows with
+// their values; an action row also names itself as the sender.
+struct FormAnswer {
+    int parentFlag = 0;
+    const FormRows& rows;
+    const diary::CatalogueRow* sender = nullptr;
+};
+
+// The data-entry screen: a scrolling column of rows, one for each descriptor,
+// laid over the window of the screen that opened it. The caller builds the
+// rows (or names a ready-made form), and gets them back with their values
+// when the user presses OK.
+//
+// Rows are numbered from 1 in their order; the control of row n carries the
+// tag n, the value label of a date or time row n + 1000, a button of a times
+// row row * 1000 + position, and the teeth 701 to 720.
+class dic final : public QWidget {
+    Q_OBJECT
+
+public:
+    using Action = std::function<void(const FormAnswer& answer)>;
+
+    explicit dic(FormServices services, QWidget* parent = nullptr);
+    ~dic() override;
+
+    // Opens the form over `host`'s window. Each row with a field takes its
+    // value from the defaults. The action is called on OK, and only while
+    // `target` lives (no target: always).
+    void prepare(FormRows rows, const QString& caption, QWidget* host, QObject* target,
+                 int parentFlag, const std::map<std::string, std::string>& defaults, Action action);
+    // A ready-made form.
+    void detailPrepare(const DetailRequest& request, QWidget* host, QObject* target, Action action);
+
+    // A list form's items, for a form whose value is "WASADDED".
+    void detailClearList() { list_.clear(); }
+    void detailAddToList(std::string index, std::string cap, bool checked, int deleted);
+    // Items shown highlighted in list rows.
+    void detailSetHiliteList(std::vector<std::string> indices) { hiliteData_ = std::move(indices); }
+    void setGid(std::string gid) { gid_ = std::move(gid); }
+
+    // A medication form: when the doses a day or the meals change, the times
+    // row is worked out again by `pillTimes` from the form's rows.
+    using PillTimes = std::function<std::optional<std::string>(const FormRows& rows)>;
+    void setPills(PillTimes pillTimes) { pillTimes_ = std::move(pillTimes); }
+
+    // Asks the owner for the document screen of a documents row; the owner
+    // calls back with the new value.
+    using DocumentsOpener = std::function<void(const diary::CatalogueRow& row,
+                                               std::function<void(std::string value)> done)>;
+    void setDocumentsOpener(DocumentsOpener opener) { documents_ = std::move(opener); }
+    // Where a photo row gets a picture from the user; by default a file dialog.
+    using PhotoPicker = std::function<std::optional<QImage>(QWidget* parent)>;
+    void setPhotoPicker(PhotoPicker picker) { photoPicker_ = std::move(picker); }
+
+    // The rows, with the values as they stand.
+    const FormRows& detailAr() const { return detailAr_; }
+    std::size_t posByField(std::string_view field) const;
+    std::optional<std::string> fieldValue(std::string_view field) const;
+    // Writes a date or time row's value (kinds 17, 24, 110 and 1003 to 1005),
+    // and lets a span follow its start or end.
+    void changeDetail(std::size_t row, const QString& value);
+
+    // Reads every editable control back into its row.
+    void correctField();
+    // OK: checks the required rows and answers the caller, or tells what is
+    // missing and stays.
+    void closeOk();
+    // Closes without an answer.
+    void closeForm();
+    bool isOpen() const { return open_; }
+
+    // The sub-form a list row opened, while it is up.
+    dic* subForm() const { return sub_; }
+    // The running stopwatch's overlay, or none.
+    QWidget* stopwatchOverlay() const { return overlay_; }
+
+signals:
+    void closed();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void buildFrame();
+    void updateData();
+    void fillEmptyMoments();
+    QWidget* buildRow(std::size_t index, QWidget* parent);
+    QWidget* momentRow(std::size_t index, QWidget* parent);
+    // A column headed by the row's icon and caption.
+    QVBoxLayout* captionedColumn(const diary::CatalogueRow& row, QWidget* widget) const;
+    QWidget* textRow(std::size_t index, QWidget* parent);
+    QWidget* listRow(std::size_t index, QWidget* parent);
+    QWidget* timesRow(std::size_t index, QWidget* parent);
+    QWidget* sliderRow(std::size_t index, QWidget* parent);
+    QWidget* photoRow(std::size_t index, QWidget* parent);
+    QWidget* teethRow(std::size_t index, QWidget* parent);
+    QWidget* tapRow(std::size_t index, QWidget* parent);
+
+    void detailClick(std::size_t index);
+    void changeDate(std::size_t index, const QDateTime& value);
+    void changeData(std::size_t index, const QString& value);
+    void subDetail(std::size_t index);
+    void subDetailCommit(std::size_t index, const FormRows& rows);
+    void timeClick(std::size_t index, std::size_t position);
+    void addToList(std::size_t index);
+    void afterAdd(std::size_t index, const FormRows& rows);
+    void photoClick(std::size_t index);
+    void actionClick(std::size_t index);
+    void recomputePillTimes();
+    const std::vector<diary::ListRow>& listOf(const diary::CatalogueRow& row);
+
+    void startClick(std::size_t index);
+    void stopClick();
+    void onStartTimer();
+    void finishStopwatch();
+
+    QString own(const char* text) const;
+    QString shown(const std::string& text) const;
+    std::string cardIcon(const std::string& picture) const;
+    void answer(const diary::CatalogueRow* sender);
+
+    FormServices services_;
+    QPointer<QWidget> host_;
+    QPointer<QObject> gparent_;
+    Action gaction_;
+    int gParentFlag_ = 0;
+    bool hasTarget_ = false;
+    bool open_ = false;
+
+    FormRows detailAr_;
+    std::vector<diary::ListRow> list_;
+    std::vector<std::string> hiliteData_;
+    std::string gid_;
+    PillTimes pillTimes_;
+    DocumentsOpener documents_;
+    PhotoPicker photoPicker_;
+    // The reading lists of list rows, by reference list.
+    std::map<int, std::vector<diary::ListRow>> readingLists_;
+    // The marks of the teeth rows, by row, as the user left them.
+    std::map<std::size_t, std::vector<bool>> teeth_;
+
+    QLabel* title_ = nullptr;
+    QPushButton* ok_ = nullptr;
+    QPushButton* cancel_ = nullptr;
+    QScrollArea* scroll_ = nullptr;
+    QWidget* content_ = nullptr;
+    std::vector<QWidget*> controls_;  // by row, from 0
+    std::vector<QLabel*> values_;     // value labels by row, or null
+
+    // A form opened from this one: a list row's choice, or a new list item.
+    QPointer<dic> sub_;
+
+    // The stopwatch: which row it runs for, when it started as the clock
+    // tells, and the overlay that shows it.
+    std::size_t startPos_ = 0;
+    core::Date lastStartInterval_{};
+    QPointer<QWidget> overlay_;
+    QLabel* elapsed_ = nullptr;
+    QTimer tick_;
+};
+
+}  // namespace tilika::frame

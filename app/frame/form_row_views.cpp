@@ -1,0 +1,237 @@
+#include "frame/form_row_views.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPainter>
+#include <QPainterPath>
+#include <QResizeEvent>
+
+#include "frame/look.h"
+#include "platform/qt_pictures.h"
+
+namespace tilika::frame::form {
+namespace {
+
+// The jaw picture's own size, and where each tooth stands on it, in the
+// picture's units: the centre and the size of the tooth's mark.
+constexpr QSizeF kJawSize(300, 360);
+constexpr double kMarkSize = 48;
+constexpr double kTargetSize = 30;
+struct ToothSpot {
+    double x;
+    double y;
+};
+constexpr std::array<ToothSpot, 20> kSpots{{
+    {51, 126.5}, {62, 87.5},     {81.5, 59},   {105.5, 41.5},  {134, 32},
+    {166, 32},   {194.5, 41.5},  {218.5, 59},  {238, 87.5},    {249, 126.5},
+    {51, 233.5}, {62, 272.5},    {81.5, 301},  {105.5, 318.5}, {134, 328},
+    {166, 328},  {194.5, 318.5}, {218.5, 301}, {238, 272.5},   {249, 233.5},
+}};
+// The free room inside each arch, where the labels go.
+constexpr double kUpperLabelTop = 85;
+constexpr double kLowerLabelTop = 210;
+constexpr double kLabelHeight = 65;
+
+// Where a tooth takes a tap. The chart draws the marks itself: a mark is
+// larger than the room between two front teeth, and targets must not
+// overlap.
+class ToothButton final : public QAbstractButton {
+public:
+    ToothButton(int number, QWidget* parent) : QAbstractButton(parent) {
+        setCheckable(true);
+        setCursor(Qt::PointingHandCursor);
+        setAccessibleName(QStringLiteral("%1").arg(number));
+    }
+
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override {
+        if (!isDown()) {
+            return;
+        }
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(QColor(0, 120, 215, 60));
+        painter.drawEllipse(rect());
+    }
+};
+
+}  // namespace
+
+void setIcon(QLabel* label, const platform::QtPictures& pictures, const std::string& picture,
+             int size) {
+    const qreal ratio = label->devicePixelRatioF();
+    QImage image = pictures.image(picture, QSize(size, size) * ratio);
+    image.setDevicePixelRatio(ratio);
+    label->setPixmap(QPixmap::fromImage(image));
+    label->setFixedSize(size, size);
+}
+
+// ---- TapRow ----
+
+TapRow::TapRow(const platform::QtPictures& pictures, const std::string& icon,
+               const QString& caption, QWidget* parent)
+    : QAbstractButton(parent), pictures_(pictures) {
+    setMinimumHeight(kTouchHeight);
+    setCursor(Qt::PointingHandCursor);
+    setAccessibleName(caption);
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(8, 4, 8, 4);
+    layout->setSpacing(10);
+    if (!icon.empty()) {
+        auto* picture = new QLabel(this);
+        form::setIcon(picture, pictures_, icon, 32);
+        layout->addWidget(picture);
+    }
+    caption_ = new QLabel(caption, this);
+    caption_->setWordWrap(true);
+    QFont font = caption_->font();
+    font.setPixelSize(15);
+    caption_->setFont(font);
+    value_ = new QLabel(this);
+    value_->setWordWrap(true);
+    value_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    QFont bold = font;
+    bold.setBold(true);
+    value_->setFont(bold);
+    arrow_ = new QLabel(this);
+    arrow_->hide();
+    layout->addWidget(caption_, 3);
+    layout->addWidget(value_, 2);
+    layout->addWidget(arrow_);
+    for (QLabel* label : {caption_, value_, arrow_}) {
+        label->setAttribute(Qt::WA_TransparentForMouseEvents);
+    }
+}
+
+void TapRow::setArrow(const std::string& picture) {
+    form::setIcon(arrow_, pictures_, picture, 20);
+    arrow_->show();
+}
+
+void TapRow::setTextColor(const QColor& color) {
+    QPalette palette = caption_->palette();
+    palette.setColor(QPalette::WindowText, color);
+    caption_->setPalette(palette);
+    value_->setPalette(palette);
+}
+
+void TapRow::paintEvent(QPaintEvent* /*event*/) {
+    if (!isDown()) {
+        return;
+    }
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(QColor(128, 128, 128, 60));
+    painter.drawRoundedRect(QRectF(rect()), 8, 8);
+}
+
+// ---- Switch ----
+
+Switch::Switch(QWidget* parent) : QAbstractButton(parent) {
+    setCheckable(true);
+    setCursor(Qt::PointingHandCursor);
+    setFixedSize(sizeHint());
+}
+
+void Switch::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QRectF track = QRectF(rect()).adjusted(4, 8, -4, -8);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(isChecked() ? QColor(0x4c, 0xaf, 0x50) : QColor(0xbd, 0xbd, 0xbd));
+    painter.drawRoundedRect(track, track.height() / 2, track.height() / 2);
+    const double knob = track.height() + 6;
+    const double x = isChecked() ? track.right() - knob + 3 : track.left() - 3;
+    painter.setBrush(Qt::white);
+    painter.setPen(QPen(QColor(0, 0, 0, 40), 1));
+    painter.drawEllipse(QRectF(x, track.center().y() - knob / 2, knob, knob));
+}
+
+// ---- TeethChart ----
+
+TeethChart::TeethChart(const platform::QtPictures& pictures, std::vector<bool> marks,
+                       std::array<QString, 2> labels, QWidget* parent)
+    : QWidget(parent), pictures_(pictures), marks_(std::move(marks)), labels_(std::move(labels)) {
+    marks_.resize(kSpots.size(), false);
+    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
+    policy.setHeightForWidth(true);
+    setSizePolicy(policy);
+    for (std::size_t i = 0; i < kSpots.size(); ++i) {
+        const int n = static_cast<int>(i) + 1;
+        auto* tooth = new ToothButton(n, this);
+        setTag(tooth, kFirstToothTag + static_cast<int>(i));
+        tooth->setChecked(marks_[i]);
+        connect(tooth, &QAbstractButton::clicked, this, [this, i, n](bool checked) {
+            marks_[i] = checked;
+            update();
+            emit toothClicked(n);
+        });
+        teeth_[i] = tooth;
+    }
+}
+
+QAbstractButton* TeethChart::tooth(int n) const {
+    return n >= 1 && n <= static_cast<int>(teeth_.size()) ? teeth_[static_cast<std::size_t>(n - 1)]
+                                                          : nullptr;
+}
+
+int TeethChart::heightForWidth(int width) const {
+    const int jawWidth = std::min(width, 360);
+    return static_cast<int>(jawWidth * kJawSize.height() / kJawSize.width());
+}
+
+QSize TeethChart::sizeHint() const {
+    return {300, heightForWidth(300)};
+}
+
+QRectF TeethChart::jawRect() const {
+    const double scale =
+        std::min(width() / kJawSize.width(), std::min(height() / kJawSize.height(), 1.2));
+    const QSizeF size = kJawSize * scale;
+    return {(width() - size.width()) / 2, (height() - size.height()) / 2, size.width(),
+            size.height()};
+}
+
+void TeethChart::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    const QRectF jaw = jawRect();
+    const double scale = jaw.width() / kJawSize.width();
+    // As large as the room between the two front teeth allows.
+    const double side = kTargetSize * scale;
+    for (std::size_t i = 0; i < kSpots.size(); ++i) {
+        const QPointF centre(jaw.left() + kSpots[i].x * scale, jaw.top() + kSpots[i].y * scale);
+        teeth_[i]->setGeometry(
+            QRectF(centre.x() - side / 2, centre.y() - side / 2, side, side).toRect());
+    }
+}
+
+void TeethChart::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QRectF jaw = jawRect();
+    pictures_.draw(painter, "tooth-m.png", jaw);
+    const double markScale = jaw.width() / kJawSize.width();
+    for (std::size_t i = 0; i < kSpots.size(); ++i) {
+        if (marks_[i]) {
+            const double side = kMarkSize * markScale;
+            pictures_.draw(painter, "tooth-" + std::to_string(i + 1) + ".png",
+                           QRectF(jaw.left() + kSpots[i].x * markScale - side / 2,
+                                  jaw.top() + kSpots[i].y * markScale - side / 2, side, side));
+        }
+    }
+    QFont font = painter.font();
+    font.setPixelSize(std::max(11, static_cast<int>(jaw.width() / 22)));
+    painter.setFont(font);
+    painter.setPen(QColor(0x3a, 0x3a, 0x3a));
+    const double scale = markScale;
+    const QRectF upper(jaw.left(), jaw.top() + kUpperLabelTop * scale, jaw.width(),
+                       kLabelHeight * scale);
+    const QRectF lower(jaw.left(), jaw.top() + kLowerLabelTop * scale, jaw.width(),
+                       kLabelHeight * scale);
+    painter.drawText(upper, Qt::AlignCenter, labels_[0]);
+    painter.drawText(lower, Qt::AlignCenter, labels_[1]);
+}
+
+}  // namespace tilika::frame::form

@@ -1,0 +1,505 @@
+#include <QCalendarWidget>
+#include <QDir>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMessageBox>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QTemporaryDir>
+#include <QTimeEdit>
+#include <QtTest>
+
+#include "core/app_state.h"
+#include "core/context.h"
+#include "core/database.h"
+#include "core/dates.h"
+#include "development/ruler_view.h"
+#include "diary/entry_forms.h"
+#include "diary/reference_lists.h"
+#include "diary/value_codecs.h"
+#include "frame/dic.h"
+#include "frame/form_kinds.h"
+#include "frame/form_row_views.h"
+#include "frame/look.h"
+#include "frame/pictures.h"
+#include "frame/popup_panels.h"
+#include "medication/course_form.h"
+#include "platform/clock.h"
+#include "platform/folders.h"
+#include "platform/qt_pictures.h"
+#include "platform/settings_store.h"
+
+using namespace tilika;
+namespace formkind = frame::formkind;
+
+namespace {
+
+diary::CatalogueRow& addRow(frame::FormRows& rows, int tp, const char* caption, const char* field,
+                            bool required = false) {
+    diary::addToNoteInit(rows, "", caption, tp, 0, caption, "", field, false, required);
+    return rows.back();
+}
+
+diary::ListRow item(const char* cap, const char* index) {
+    diary::ListRow row;
+    row.cap = cap;
+    row.index = index;
+    return row;
+}
+
+}  // namespace
+
+class FormTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init() {
+        dir_ = std::make_unique<QTemporaryDir>();
+        const std::filesystem::path data = dir_->path().toStdString();
+        folders_ = std::make_unique<platform::DataFolders>(data, kResources);
+        folders_->createLayout();
+        settings_ = std::make_unique<platform::JsonSettingsStore>(data / "settings.json");
+        clock_.set(*dates_.dateFromString("2026-11-22 10:00"));
+        database_ = std::make_unique<core::DatabaseStore>(*folders_, dates_);
+        database_->fromOldVersionNewRestore();
+        state_ = std::make_unique<core::AppState>();
+        context_ = std::make_unique<core::Context>(
+            core::Context{clock_, *settings_, *folders_, dates_, *database_, *state_});
+        lists_ = std::make_unique<diary::ReferenceLists>(*context_);
+        popups_ = std::make_unique<frame::Popups>(
+            *state_, *settings_, qtPictures_,
+            frame::TextPageEnvironment{*state_, pictures_, dates_, kResources / "content"});
+        window_ = std::make_unique<QWidget>();
+        window_->resize(360, 640);
+        window_->show();
+        QVERIFY(QTest::qWaitForWindowExposed(window_.get()));
+        form_ = std::make_unique<frame::dic>(
+            frame::FormServices{*state_, dates_, *popups_, qtPictures_, lists_.get()});
+    }
+
+    void cleanup() {
+        form_.reset();
+        popups_.reset();
+        window_.reset();
+    }
+
+    void mixedFormIsTypedTappedAndHandedBack() {
+        frame::FormRows rows;
+        addRow(rows, formkind::heading, "Новая запись", "");
+        addRow(rows, formkind::textLine, "Имя", "name", true);
+        addRow(rows, formkind::number, "Объем", "volume");
+        addRow(rows, formkind::longText, "Заметки", "note");
+        addRow(rows, formkind::segments, "Мальчик|Девочка", "sex");
+        addRow(rows, formkind::toggle, "Напоминать", "remind");
+        auto& list = addRow(rows, formkind::list, "Жалобы", "list");
+        list.listtype = 2;
+        list.list = {item("Кашель", "guid-cough-0001"), item("Насморк", "guid-nose-00002"),
+                     item("Сыпь<tr>1", "guid-rash-00003")};
+        addRow(rows, formkind::date, "Дата", "date");
+        auto& height = addRow(rows, formkind::slider, "Рост", "rost");
+        height.scalemin = "40";
+        height.scalemax = "120";
+        height.scaletype = "1";
+        addRow(rows, formkind::teeth, "Зубы", "tooth");
+        addRow(rows, formkind::measure, "Единица", "mera");
+
+        std::optional<std::pair<int, frame::FormRows>> answer;
+        form_->prepare(rows, QStringLiteral("Запись"), window_.get(), window_.get(), 42,
+                       {{"note", "старое"}, {"oldtooth", "1<tr>2"}},
+                       [&](const frame::FormAnswer& given) {
+                           answer = {given.parentFlag, given.rows};
+                       });
+        QVERIFY(form_->isVisible());
+        QCOMPARE(state_->openForms, 1);
+        QCOMPARE(form_->geometry(), window_->rect());
+        // An empty date row starts at today.
+        QCOMPARE(labelWithTag(8 + 1000)->text(), QStringLiteral("22.11.2026"));
+
+        // The required name is empty: the form tells so and stays.
+        okButton()->click();
+        auto* box = form_->findChild<QMessageBox*>();
+        QVERIFY(box != nullptr);
+        QCOMPARE(box->text(), QStringLiteral("Поле 'Имя' не заполнено!"));
+        box->close();
+        QVERIFY(!answer);
+        QVERIFY(form_->isOpen());
+
+        QTest::keyClicks(control<QLineEdit>(2), QStringLiteral("Masha"));
+        // The number pad takes no letters.
+        QTest::keyClicks(control<QLineEdit>(3), QStringLiteral("12a0.5"));
+        control<QPlainTextEdit>(4)->moveCursor(QTextCursor::End);
+        QTest::keyClicks(control<QPlainTextEdit>(4), QStringLiteral(" ok"));
+        control<QWidget>(5)->findChildren<QPushButton*>().at(1)->click();
+        control<QAbstractButton>(6)->click();
+        const auto items =
+            control<QWidget>(7)->findChildren<QAbstractButton*>(QStringLiteral("listItem"));
+        QCOMPARE(items.size(), 3);
+        items[0]->click();
+        items[2]->click();
+        items[0]->click();
+
+        control<QAbstractButton>(8)->click();
+        auto* calendar = popups_->panel()->findChild<QCalendarWidget*>();
+        QVERIFY(calendar != nullptr);
+        QCOMPARE(calendar->selectedDate(), QDate(2026, 11, 22));
+        calendar->setSelectedDate(QDate(2026, 11, 25));
+        popupOk();
+        QCOMPARE(labelWithTag(8 + 1000)->text(), QStringLiteral("25.11.2026"));
+
+        control<development::vesslider>(9)->setPosition(87.3, true);
+        auto* chart = control<frame::form::TeethChart>(10);
+        qobject_cast<QAbstractButton*>(frame::childWithTag(chart, 705))->click();
+        qobject_cast<QAbstractButton*>(frame::childWithTag(chart, 701))->click();
+
+        control<QAbstractButton>(11)->click();
+        auto* units = popups_->panel()->findChild<QListWidget*>(QStringLiteral("wheel0"));
+        units->setCurrentRow(2);
+        popupOk();
+        QCOMPARE(form_->fieldValue("mera"), diary::meraToRead(3));
+
+        okButton()->click();
+        QVERIFY(answer);
+        QCOMPARE(answer->first, 42);
+        const frame::FormRows& result = answer->second;
+        const auto value = [&](const char* field) {
+            return QString::fromStdString(frame::fieldValue(result, field).value_or("<none>"));
+        };
+        QCOMPARE(value("name"), QStringLiteral("Masha"));
+        QCOMPARE(value("volume"), QStringLiteral("120.5"));
+        QCOMPARE(value("note"), QStringLiteral("старое ok"));
+        QCOMPARE(value("sex"), QStringLiteral("1"));
+        QCOMPARE(value("remind"), QStringLiteral("1"));
+        QCOMPARE(value("list"), QStringLiteral("guid-rash-00003"));
+        QCOMPARE(value("date"), QStringLiteral("25.11.2026"));
+        QCOMPARE(value("rost"), QStringLiteral("87.3"));
+        QCOMPARE(value("tooth"), QStringLiteral("101<tr>5"));
+        QVERIFY(!form_->isVisible());
+        QCOMPARE(state_->openForms, 0);
+    }
+
+    void stopwatchRunsAgainstTheClock() {
+        frame::FormRows rows;
+        auto& left = addRow(rows, formkind::time, "Левая грудь", "left", true);
+        left.startbutton = true;
+        left.startprogress = "Идет кормление левой грудью ...";
+        std::optional<frame::FormRows> answer;
+        form_->prepare(rows, QStringLiteral("Кормление"), window_.get(), nullptr, 18,
+                       {{"left", "00:10"}},
+                       [&](const frame::FormAnswer& given) { answer = given.rows; });
+
+        form_->findChild<QPushButton*>(QStringLiteral("startButton"))->click();
+        QWidget* overlay = form_->stopwatchOverlay();
+        QVERIFY(overlay != nullptr);
+        QCOMPARE(frame::tag(overlay), 213);
+        auto* elapsed = overlay->findChild<QLabel*>(QStringLiteral("elapsed"));
+        // A count goes on from the minutes already there.
+        QCOMPARE(elapsed->text(), QStringLiteral("0:10:00"));
+
+        // The program is held up for an hour: the clock, not the ticks, tells.
+        clock_.advance(std::chrono::minutes(65) + std::chrono::seconds(30));
+        QTRY_COMPARE_WITH_TIMEOUT(elapsed->text(), QStringLiteral("1:15:30"), 3000);
+        overlay->findChild<QPushButton*>(QStringLiteral("stopButton"))->click();
+        QTRY_VERIFY_WITH_TIMEOUT(form_->stopwatchOverlay() == nullptr, 3000);
+        QCOMPARE(labelWithTag(1 + 1000)->text(), QStringLiteral("01:15"));
+
+        okButton()->click();
+        QVERIFY(answer);
+        QCOMPARE(QString::fromStdString(frame::fieldValue(*answer, "left").value()),
+                 QStringLiteral("01:15"));
+    }
+
+    void itemsAreAddedToLists() {
+        std::optional<frame::FormRows> answer;
+        frame::DetailRequest request;
+        request.kind = 8;
+        request.cap = "Болезнь";
+        request.msg = "Укажите болезнь";
+        request.cotype = diary::cotype::illnesses;
+        request.edit = true;
+        form_->detailPrepare(request, window_.get(), nullptr,
+                             [&](const frame::FormAnswer& given) { answer = given.rows; });
+        auto* list = control<QWidget>(2);
+        const auto before = list->findChildren<QAbstractButton*>(QStringLiteral("listItem")).size();
+
+        // An illness kept off the child's card.
+        list->findChild<QAbstractButton*>(QStringLiteral("addItem"))->click();
+        frame::dic* add = form_->subForm();
+        QVERIFY(add != nullptr && add->isVisible());
+        QCOMPARE(add->findChild<QLabel*>()->text(), QStringLiteral("Новый тип"));
+        add->findChild<QLineEdit*>()->setText(QStringLiteral("  Ветрянка "));
+        add->findChild<frame::form::Switch*>()->click();
+        add->findChild<QPushButton*>(QStringLiteral("ok"))->click();
+        QVERIFY(!add->isOpen());
+
+        list = control<QWidget>(2);
+        const auto after = list->findChildren<QAbstractButton*>(QStringLiteral("listItem"));
+        QCOMPARE(after.size(), before + 1);
+        std::vector<diary::ListRow> stored;
+        lists_->loadConstList(stored, diary::cotype::illnesses, "");
+        const auto added = std::find_if(stored.begin(), stored.end(), [](const auto& row) {
+            return row.cap.starts_with("Ветрянка");
+        });
+        QVERIFY(added != stored.end());
+        QCOMPARE(QString::fromStdString(added->cap), QStringLiteral("Ветрянка<tr>1"));
+        QCOMPARE(added->deleted, diary::rowstate::protectedRow);
+
+        // A product needs its unit: without one the form stays open.
+        frame::FormRows rows;
+        auto& food = addRow(rows, formkind::list, "Продукт", "food");
+        food.listid = diary::cotype::otherFood;
+        food.listtype = 1;
+        food.listedittype = 3;
+        food.edit = true;
+        form_->prepare(rows, QStringLiteral("Прикорм"), window_.get(), nullptr, 1, {},
+                       [&](const frame::FormAnswer& given) { answer = given.rows; });
+        control<QWidget>(1)->findChild<QAbstractButton*>(QStringLiteral("addItem"))->click();
+        add = form_->subForm();
+        QCOMPARE(add->findChild<QLabel*>()->text(), QStringLiteral("Новый продукт"));
+        add->findChild<QLineEdit*>()->setText(QStringLiteral("Творог"));
+        add->findChild<QPushButton*>(QStringLiteral("ok"))->click();
+        QVERIFY(add->isOpen());
+        add->findChild<QMessageBox*>()->close();
+        tagged<QAbstractButton>(add, 2)->click();
+        popups_->panel()->findChild<QListWidget*>(QStringLiteral("wheel0"))->setCurrentRow(1);
+        popupOk();
+        add->findChild<QPushButton*>(QStringLiteral("ok"))->click();
+        QVERIFY(!add->isOpen());
+        stored.clear();
+        lists_->loadConstList(stored, diary::cotype::otherFood, "");
+        QVERIFY(std::any_of(stored.begin(), stored.end(), [](const auto& row) {
+            return row.cap.starts_with("Творог (") &&
+                   diary::foodUnit(diary::cotype::otherFood, row.cap) == 2;
+        }));
+    }
+
+    void sleepFormKeepsItsSpanTogether() {
+        diary::EntryForm sleep = diary::periodForm("sleep", "21:30", std::nullopt);
+        std::optional<frame::FormRows> answer;
+        form_->prepare(sleep.rows, QString::fromStdString(sleep.caption), window_.get(), nullptr,
+                       -1, sleep.defaults,
+                       [&](const frame::FormAnswer& given) { answer = given.rows; });
+        QCOMPARE(labelWithTag(1001)->text(), QStringLiteral("21:30"));
+        // The end starts at the clock's time.
+        QCOMPARE(labelWithTag(1002)->text(), QStringLiteral("10:00"));
+
+        pickTime(2, QTime(0, 10));
+        QCOMPARE(labelWithTag(1003)->text(), QStringLiteral("02:40"));
+        // Only a minute sum above 60 carries, as spans were always stored.
+        pickTime(3, QTime(1, 30));
+        QCOMPARE(labelWithTag(1002)->text(), QStringLiteral("22:60"));
+        pickTime(3, QTime(1, 40));
+        QCOMPARE(labelWithTag(1002)->text(), QStringLiteral("23:10"));
+
+        okButton()->click();
+        QVERIFY(answer);
+        const auto value =
+            diary::jsonToArray(diary::jsonFromDic(diary::tp::periods, "sleep", "", *answer, -1));
+        QCOMPARE(value.size(), 1u);
+        QCOMPARE(QString::fromStdString(value[0]["start"]), QStringLiteral("21:30"));
+        QCOMPARE(QString::fromStdString(value[0]["end"]), QStringLiteral("23:10"));
+        QCOMPARE(QString::fromStdString(value[0]["interval"]), QStringLiteral("01:40"));
+        QCOMPARE(QString::fromStdString(diary::intervalToRead2(value[0].dump())),
+                 QStringLiteral("с 21:30 до 23:10 (01:40)"));
+    }
+
+    void medicationCourseIsEnteredThroughTheForm() {
+        std::vector<diary::ListRow> all;
+        lists_->loadConstList(all, diary::cotype::all, "");
+        diary::EntryForm course = medication::courseForm(std::nullopt, "22.11.2026", all);
+        std::optional<frame::FormRows> answer;
+        int asked = 0;
+        form_->setPills([&](const frame::FormRows& rows) -> std::optional<std::string> {
+            ++asked;
+            const auto fields = medication::courseOfForm(rows);
+            if (!fields) {
+                return std::nullopt;
+            }
+            return fields->at("pillinter") == "2<td>раз в день" ? "09:00<td>21:00" : "12:00";
+        });
+        form_->prepare(course.rows, QString::fromStdString(course.caption), window_.get(), nullptr,
+                       -1, course.defaults,
+                       [&](const frame::FormAnswer& given) { answer = given.rows; });
+        QCOMPARE(valueOf(3), QStringLiteral("3 раза в сутки"));
+        QCOMPARE(valueOf(5), QStringLiteral("Независимо от еды"));
+
+        // The medicine, from its list in a form of its own.
+        control<QAbstractButton>(1)->click();
+        frame::dic* pick = form_->subForm();
+        QVERIFY(pick != nullptr && pick->isVisible());
+        const auto medicines =
+            tagged<QWidget>(pick, 2)->findChildren<QAbstractButton*>(QStringLiteral("listItem"));
+        QVERIFY(medicines.size() >= 3);
+        const auto nurofen = std::find_if(medicines.begin(), medicines.end(), [](auto* button) {
+            return button->accessibleName() == QStringLiteral("Нурофен");
+        });
+        QVERIFY(nurofen != medicines.end());
+        (*nurofen)->click();
+        pick->findChild<QPushButton*>(QStringLiteral("ok"))->click();
+        QCOMPARE(valueOf(1), QStringLiteral("Нурофен"));
+
+        // The dose and the doses a day on their wheels; the times follow the
+        // doses a day.
+        control<QAbstractButton>(2)->click();
+        popups_->panel()->findChild<QListWidget*>(QStringLiteral("wheel0"))->setCurrentRow(2);
+        popupOk();
+        QCOMPARE(valueOf(2), QStringLiteral("1/2 штуки"));
+        QCOMPARE(asked, 0);
+        control<QAbstractButton>(3)->click();
+        popups_->panel()->findChild<QListWidget*>(QStringLiteral("wheel0"))->setCurrentRow(1);
+        popups_->panel()->findChild<QListWidget*>(QStringLiteral("wheel1"))->setCurrentRow(0);
+        popupOk();
+        QCOMPARE(asked, 1);
+        QCOMPARE(form_->fieldValue("pilltime"), "09:00<td>21:00");
+
+        // One time set by hand.
+        auto* second = control<QPushButton>(8 * 1000 + 1);
+        QCOMPARE(second->text(), QStringLiteral("21:00"));
+        second->click();
+        popups_->panel()->findChild<QTimeEdit*>()->setTime(QTime(20, 30));
+        popupOk();
+        QCOMPARE(second->text(), QStringLiteral("20:30"));
+
+        okButton()->click();
+        QVERIFY(answer);
+        const auto stored =
+            diary::jsonToArray(diary::jsonFromDic(diary::tp::medication, "pills", "", *answer, -1));
+        QCOMPARE(stored.size(), 1u);
+        const auto text = [&](const char* key) {
+            return QString::fromStdString(diary::jsonText(stored[0], key));
+        };
+        QCOMPARE(text("pillname"), QString::fromStdString(nurofenGuid()));
+        QCOMPARE(text("pilldoza"), QStringLiteral("1/2<td>шт."));
+        QCOMPARE(text("pillinter"), QStringLiteral("2<td>раз в день"));
+        QCOMPARE(text("pilllength"), QStringLiteral("1<td>недели"));
+        QCOMPARE(text("pillsdate"), QStringLiteral("22.11.2026"));
+        QCOMPARE(text("pilltime"), QStringLiteral("09:00<td>20:30"));
+        QVERIFY(!text("pillperiod").isEmpty());
+    }
+
+    void actionRowsAnswerWithTheirRow() {
+        frame::FormRows rows;
+        addRow(rows, formkind::action, "Редактировать", "edit");
+        addRow(rows, formkind::action, "Удалить", "remove");
+        std::optional<std::string> sender;
+        form_->prepare(rows, QStringLiteral("Запись"), window_.get(), window_.get(), 3, {},
+                       [&](const frame::FormAnswer& given) {
+                           QVERIFY(given.sender != nullptr);
+                           sender = given.sender->field;
+                       });
+        QVERIFY(okButton()->isHidden());
+        control<QAbstractButton>(2)->click();
+        QCOMPARE(sender.value_or(""), std::string("remove"));
+        QVERIFY(!form_->isOpen());
+
+        // A caller that is gone hears nothing.
+        auto target = std::make_unique<QObject>();
+        sender.reset();
+        form_->prepare(rows, QStringLiteral("Запись"), window_.get(), target.get(), 3, {},
+                       [&](const frame::FormAnswer& given) { sender = given.sender->field; });
+        target.reset();
+        control<QAbstractButton>(1)->click();
+        QVERIFY(!sender);
+        QCOMPARE(state_->openForms, 0);
+    }
+
+    void longFormOnAPhone() {
+        frame::DetailRequest request;
+        request.kind = 9;
+        request.cap = "Размеры";
+        request.msg = "Укажите размеры ребенка";
+        request.dat = R"({"bio1":"42.5","bio5":"12.0"})";
+        form_->detailPrepare(request, window_.get(), nullptr, {});
+        QVERIFY(QTest::qWaitForWindowExposed(window_.get()));
+        QTest::qWait(50);
+        save(window_->grab(), "form_long_top.png");
+        auto* scroll = form_->findChild<QScrollArea*>(QStringLiteral("formScroll"));
+        scroll->verticalScrollBar()->setValue(scroll->verticalScrollBar()->maximum());
+        QTest::qWait(50);
+        save(window_->grab(), "form_long_end.png");
+        QVERIFY(scroll->verticalScrollBar()->maximum() > 0);
+
+        diary::EntryForm course = medication::courseForm(std::nullopt, "22.11.2026", {});
+        form_->prepare(course.rows, QStringLiteral("Лекарства"), window_.get(), nullptr, -1,
+                       course.defaults, {});
+        QTest::qWait(50);
+        save(window_->grab(), "form_course.png");
+
+        frame::FormRows teeth;
+        addRow(teeth, formkind::heading, "Отметьте зубы, которые есть у ребенка", "");
+        addRow(teeth, formkind::teeth, "Зубы", "tooth");
+        form_->prepare(teeth, QStringLiteral("Зубы"), window_.get(), nullptr, -1,
+                       {{"oldtooth", "5<tr>6<tr>15<tr>16<tr>4"}}, {});
+        QTest::qWait(50);
+        save(window_->grab(), "form_teeth.png");
+    }
+
+private:
+    template <class T>
+    T* control(int tag) const {
+        return tagged<T>(form_.get(), tag);
+    }
+    template <class T>
+    static T* tagged(QWidget* root, int tag) {
+        for (QWidget* widget : root->findChildren<QWidget*>()) {
+            if (frame::tag(widget) == tag) {
+                if (auto* typed = qobject_cast<T*>(widget)) {
+                    return typed;
+                }
+            }
+        }
+        return nullptr;
+    }
+    QLabel* labelWithTag(int tag) const { return control<QLabel>(tag); }
+    QString valueOf(int row) const {
+        const QLabel* label = control<frame::form::TapRow>(row)->valueLabel();
+        return label->text();
+    }
+    QPushButton* okButton() const {
+        return form_->findChild<QPushButton*>(QStringLiteral("ok"), Qt::FindDirectChildrenOnly);
+    }
+    void popupOk() const {
+        QVERIFY(popups_->panel() != nullptr);
+        popups_->panel()->findChild<QPushButton*>(QStringLiteral("ok"))->click();
+    }
+    void pickTime(int row, QTime time) const {
+        control<QAbstractButton>(row)->click();
+        popups_->panel()->findChild<QTimeEdit*>()->setTime(time);
+        popupOk();
+    }
+    std::string nurofenGuid() const {
+        std::vector<diary::ListRow> medicines;
+        lists_->loadConstList(medicines, diary::cotype::medicines, "");
+        for (const auto& row : medicines) {
+            if (row.cap == "Нурофен") {
+                return row.index;
+            }
+        }
+        return {};
+    }
+    static void save(const QPixmap& shot, const char* name) {
+        QDir().mkpath(QStringLiteral(TILIKA_SCREENSHOT_DIR));
+        shot.save(QStringLiteral(TILIKA_SCREENSHOT_DIR "/") + QString::fromLatin1(name));
+    }
+
+    const std::filesystem::path kResources = TILIKA_TEST_RESOURCE_DIR;
+    platform::ManualClock clock_{core::Date{}, "Europe/Moscow"};
+    core::Dates dates_{clock_};
+    frame::Pictures pictures_{kResources / "pictures"};
+    platform::QtPictures qtPictures_{pictures_};
+    std::unique_ptr<QTemporaryDir> dir_;
+    std::unique_ptr<platform::DataFolders> folders_;
+    std::unique_ptr<platform::JsonSettingsStore> settings_;
+    std::unique_ptr<core::DatabaseStore> database_;
+    std::unique_ptr<core::AppState> state_;
+    std::unique_ptr<core::Context> context_;
+    std::unique_ptr<diary::ReferenceLists> lists_;
+    std::unique_ptr<frame::Popups> popups_;
+    std::unique_ptr<QWidget> window_;
+    std::unique_ptr<frame::dic> form_;
+};
+
+QTEST_MAIN(FormTest)
+#include "form_test.moc"
