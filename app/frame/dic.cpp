@@ -94,10 +94,16 @@ bool opensSomething(int tp) {
            tp == formkind::measure;
 }
 
+// The row of a profile that removes the child.
+bool isRemoval(const diary::CatalogueRow& row) {
+    return row.tp == formkind::button && row.field == "remove";
+}
+
 // Rows that lie on the backdrop rather than on a card of their own.
-bool onBackdrop(int tp) {
+bool onBackdrop(const diary::CatalogueRow& row) {
+    const int tp = row.tp;
     return tp == formkind::separator || tp == formkind::heading || tp == formkind::label ||
-           tp == formkind::derived || tp == formkind::picture;
+           tp == formkind::derived || tp == formkind::picture || isRemoval(row);
 }
 
 QString qs(const std::string& text) {
@@ -138,9 +144,15 @@ private:
     double aspect_ = 0.5;
 };
 
+void setValueText(QLabel* label, const QString& text) {
+    label->setText(text);
+    label->setVisible(!text.isEmpty());
+}
+
 QLabel* wrappedLabel(const QString& text, QWidget* parent, int pixelSize, bool bold) {
     auto* label = new QLabel(text, parent);
     label->setWordWrap(true);
+    label->setMinimumWidth(1);
     QFont font = label->font();
     font.setPixelSize(pixelSize);
     font.setBold(bold);
@@ -361,7 +373,11 @@ void dic::updateData() {
                        " border: 1px solid rgba(0,0,0,50); border-radius: 8px; padding: 6px; "
                        "font-size: 16px; }"
                        "QLineEdit { min-height: 30px; }"
-                       "#formCard QPushButton { min-height: 44px; font-size: 16px; }")
+                       "#formCard QPushButton { min-height: 44px; font-size: 16px; color: #202020;"
+                       " background: white; border: 1px solid rgba(0,0,0,50); border-radius: 8px; }"
+                       "#formCard QPushButton:checked { background: #3d8bd9; color: white; }"
+                       "#formCard QPushButton:pressed { background: #dde8f3; }"
+                       "#formCard QPushButton#photo { border: none; background: transparent; }")
             .arg(textColor));
 
     auto* layout = new QVBoxLayout(content_);
@@ -374,7 +390,7 @@ void dic::updateData() {
     for (std::size_t i = 0; i < detailAr_.size(); ++i) {
         const auto& row = detailAr_[i];
         QWidget* widget = buildRow(i, content_);
-        if (!onBackdrop(row.tp)) {
+        if (!onBackdrop(row)) {
             auto* card = new QFrame(content_);
             card->setObjectName(QStringLiteral("formCard"));
             auto* cardLayout = new QVBoxLayout(card);
@@ -471,6 +487,10 @@ QWidget* dic::buildRow(std::size_t index, QWidget* parent) {
                 widget = timesRow(index, parent);
                 break;
             case formkind::button: {
+                if (isRemoval(row)) {
+                    widget = removalButton(index, parent);
+                    break;
+                }
                 widget = new QWidget(parent);
                 auto* box = new QHBoxLayout(widget);
                 box->setContentsMargins(8, 4, 8, 4);
@@ -527,11 +547,37 @@ QWidget* dic::buildRow(std::size_t index, QWidget* parent) {
     return widget;
 }
 
+QWidget* dic::removalButton(std::size_t index, QWidget* parent) {
+    const auto& row = detailAr_[index];
+    auto* button = new QPushButton(shown(row.caption), parent);
+    button->setObjectName(QStringLiteral("remove"));
+    button->setMinimumHeight(kTouchHeight);
+    // The picture stretches behind the caption.
+    const QString file =
+        QString::fromStdString(services_.pictures.pictures().file(row.pic).generic_string());
+    button->setStyleSheet(QStringLiteral("QPushButton { color: white; border: none;"
+                                         " border-image: url(%1) 0 0 0 0 stretch stretch;"
+                                         " padding: 10px; font-size: 16px; }")
+                              .arg(file));
+    connect(button, &QPushButton::clicked, this, [this] {
+        QPointer<dic> self(this);
+        services_.popups.messageAsk(own("Вы действительно хотите удалить эту учетную запись?"),
+                                    own("Удаление"), 3, this, [self](int /*tag*/, int button) {
+                                        if (self != nullptr && button == 1) {
+                                            // No rows at all tell the caller to remove.
+                                            self->detailAr_.clear();
+                                            self->answer(nullptr);
+                                        }
+                                    });
+    });
+    return button;
+}
+
 QWidget* dic::momentRow(std::size_t index, QWidget* parent) {
     const auto& row = detailAr_[index];
     auto* tap = new form::TapRow(services_.pictures, cardIcon(row.pic), shown(row.caption), parent);
+    tap->setValue(qs(shownValue(row, {})));
     QLabel* value = tap->valueLabel();
-    value->setText(qs(shownValue(row, {})));
     setTag(value, static_cast<int>(index) + 1 + kValueTagOffset);
     values_[index] = value;
     connect(tap, &QAbstractButton::clicked, this, [this, index] { detailClick(index); });
@@ -732,7 +778,7 @@ QWidget* dic::tapRow(std::size_t index, QWidget* parent) {
     const auto& row = detailAr_[index];
     auto* tap = new form::TapRow(services_.pictures, cardIcon(row.pic), shown(row.caption), parent);
     if (row.tp != formkind::action) {
-        tap->valueLabel()->setText(qs(shownValue(row, listOf(row))));
+        tap->setValue(qs(shownValue(row, listOf(row))));
         values_[index] = tap->valueLabel();
     }
     if (opensSomething(row.tp)) {
@@ -834,12 +880,12 @@ void dic::changeDetail(std::size_t index, const QString& value) {
     auto& row = detailAr_[index];
     row.source = value.toStdString();
     if (values_[index] != nullptr) {
-        values_[index]->setText(qs(shownValue(row, {})));
+        setValueText(values_[index], qs(shownValue(row, {})));
     }
     if (row.tp == formkind::time || row.tp == formkind::diaryTime) {
         if (const auto changed = autocalc(detailAr_, index)) {
             if (QLabel* label = values_[*changed]) {
-                label->setText(qs(detailAr_[*changed].source));
+                setValueText(label, qs(detailAr_[*changed].source));
             }
         }
     }

@@ -146,6 +146,7 @@ private:
     QWidget* photoRow(std::size_t index, QWidget* parent);
     QWidget* teethRow(std::size_t index, QWidget* parent);
     QWidget* tapRow(std::size_t index, QWidget* parent);
+    QWidget* removalButton(std::size_t index, QWidget* parent);
 
     void detailClick(std::size_t index);
     void changeDate(std::size_t index, const QDateTime& value);

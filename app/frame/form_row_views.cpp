@@ -94,6 +94,7 @@ TapRow::TapRow(const platform::QtPictures& pictures, const std::string& icon,
     QFont bold = font;
     bold.setBold(true);
     value_->setFont(bold);
+    value_->hide();
     arrow_ = new QLabel(this);
     arrow_->hide();
     layout->addWidget(caption_, 3);
@@ -102,6 +103,15 @@ TapRow::TapRow(const platform::QtPictures& pictures, const std::string& icon,
     for (QLabel* label : {caption_, value_, arrow_}) {
         label->setAttribute(Qt::WA_TransparentForMouseEvents);
     }
+    // A wrapping label asks for a comfortable width; on a phone it gets
+    // what there is and wraps.
+    caption_->setMinimumWidth(1);
+    value_->setMinimumWidth(1);
+}
+
+void TapRow::setValue(const QString& value) {
+    value_->setText(value);
+    value_->setVisible(!value.isEmpty());
 }
 
 void TapRow::setArrow(const std::string& picture) {

@@ -30,6 +30,8 @@ public:
     TapRow(const platform::QtPictures& pictures, const std::string& icon, const QString& caption,
            QWidget* parent);
     QLabel* valueLabel() const { return value_; }
+    // The value at the right; with none, the caption takes the whole row.
+    void setValue(const QString& value);
     void setArrow(const std::string& picture);
     void setTextColor(const QColor& color);
 

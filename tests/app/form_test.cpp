@@ -18,6 +18,8 @@
 #include "core/dates.h"
 #include "development/ruler_view.h"
 #include "diary/entry_forms.h"
+#include "diary/profile_form.h"
+#include "diary/profiles.h"
 #include "diary/reference_lists.h"
 #include "diary/value_codecs.h"
 #include "frame/dic.h"
@@ -29,6 +31,7 @@
 #include "medication/course_form.h"
 #include "platform/clock.h"
 #include "platform/folders.h"
+#include "platform/qt_image_codec.h"
 #include "platform/qt_pictures.h"
 #include "platform/settings_store.h"
 
@@ -403,6 +406,54 @@ private slots:
         control<QAbstractButton>(1)->click();
         QVERIFY(!sender);
         QCOMPARE(state_->openForms, 0);
+    }
+
+    void profileIsRemovedOnlyWhenAsked() {
+        const auto children = diary::Profiles(*context_).loadProfils();
+        QVERIFY(!children.empty());
+        const platform::QtImageCodec images;
+        diary::ProfileFormContent profile =
+            diary::ProfileForm(*context_, images).setupDialog(children.front().childguid);
+        std::optional<std::pair<int, std::size_t>> answer;
+        form_->prepare(profile.rows, QString::fromStdString(profile.caption), window_.get(),
+                       nullptr, profile.parentFlag, {}, [&](const frame::FormAnswer& given) {
+                           answer = {given.parentFlag, given.rows.size()};
+                       });
+        QTest::qWait(50);
+        save(window_->grab(), "form_profile.png");
+        auto* scroll = form_->findChild<QScrollArea*>(QStringLiteral("formScroll"));
+        scroll->verticalScrollBar()->setValue(scroll->verticalScrollBar()->maximum());
+        QTest::qWait(50);
+        save(window_->grab(), "form_profile_end.png");
+        // Nothing is wider than the phone: a long caption wraps.
+        const int room = form_->findChild<QScrollArea*>()->viewport()->width();
+        for (QWidget* card : form_->findChildren<QWidget*>(QStringLiteral("formCard"))) {
+            QVERIFY(card->geometry().right() < room);
+        }
+
+        auto* remove = form_->findChild<QPushButton*>(QStringLiteral("remove"));
+        QVERIFY(remove != nullptr);
+        const auto ask = [&](const QString& button) {
+            remove->click();
+            auto* box = form_->findChild<QMessageBox*>();
+            QVERIFY(box != nullptr);
+            QCOMPARE(box->text(),
+                     QStringLiteral("Вы действительно хотите удалить эту учетную запись?"));
+            for (QAbstractButton* choice : box->buttons()) {
+                if (choice->text() == button) {
+                    choice->click();
+                }
+            }
+            delete box;
+        };
+        ask(QStringLiteral("Нет"));
+        QVERIFY(!answer);
+        QVERIFY(form_->isOpen());
+        ask(QStringLiteral("Да"));
+        QVERIFY(answer);
+        QCOMPARE(answer->first, diary::formflag::existingChild);
+        QCOMPARE(answer->second, 0u);  // no rows: the child is to be removed
+        QVERIFY(!form_->isOpen());
     }
 
     void longFormOnAPhone() {
