@@ -204,9 +204,9 @@ void vesslider::place(double value, bool active) {
     const RulerPlacement placement =
         ruler_->place(value, active, main_->viewport()->width(), second_->viewport()->width());
     placing_ = true;
-    const int wanted = static_cast<int>(std::lround(placement.offset + mainLeft()));
     if (value > 0) {
-        main_->horizontalScrollBar()->setValue(wanted);
+        main_->horizontalScrollBar()->setValue(
+            static_cast<int>(std::lround(placement.offset + mainLeft())));
         second_->horizontalScrollBar()->setValue(
             static_cast<int>(std::lround(placement.secondOffset + secondLeft())));
     }
@@ -215,9 +215,9 @@ void vesslider::place(double value, bool active) {
     // What shows is what the ruler stands at, which a value beyond its ends
     // can't reach.
     setCurOffset();
-    if (value > 0 && main_->horizontalScrollBar()->value() != wanted) {
-        // Not laid out yet, so the ruler can't scroll there: the value holds
-        // until the first layout places it.
+    if (value > 0 && !isVisible()) {
+        // Not laid out yet, so the ruler can't scroll anywhere: the value
+        // holds until it is shown and placed again at its real width.
         gposition_ = marks_ ? placement.reading.position : 0;
         value_->setText(marks_ ? QString::fromStdString(placement.reading.text) : QString());
     }

@@ -52,14 +52,14 @@ struct FormServices {
 // their values; an action row also names itself as the sender.
 struct FormAnswer {
     int parentFlag = 0;
-    const FormRows& rows;
-    const diary::CatalogueRow* sender = nullptr;
+    FormRows rows;
+    std::optional<std::size_t> sender;  // the row, from 0
 };
 
 // The data-entry screen: a scrolling column of rows, one for each descriptor,
-// laid over the window of the screen that opened it. The caller builds the
-// rows (or names a ready-made form), and gets them back with their values
-// when the user presses OK.
+// laid over its parent widget, which owns it: a screen's window, or the form
+// that opened it. The caller builds the rows (or names a ready-made form), and
+// gets them back with their values when the user presses OK.
 //
 // Rows are numbered from 1 in their order; the control of row n carries the
 // tag n, the value label of a date or time row n + 1000, a button of a times
@@ -70,10 +70,11 @@ class dic final : public QWidget {
 public:
     using Action = std::function<void(const FormAnswer& answer)>;
 
-    explicit dic(FormServices services, QWidget* parent = nullptr);
+    // The parent owns the form: a screen's window, or another form.
+    explicit dic(FormServices services, QWidget* parent);
     ~dic() override;
 
-    // Opens the form over `host`'s window. Each row with a field takes its
+    // Opens the form; a host in another window moves it there. Each row with a field takes its
     // value from the defaults. The action is called on OK, and only while
     // `target` lives (no target: always).
     void prepare(FormRows rows, const QString& caption, QWidget* host, QObject* target,
@@ -86,6 +87,7 @@ public:
     void detailAddToList(std::string index, std::string cap, bool checked, int deleted);
     // Items shown highlighted in list rows.
     void detailSetHiliteList(std::vector<std::string> indices) { hiliteData_ = std::move(indices); }
+    // The child the form is about; its documents are kept under its guid.
     void setGid(std::string gid) { gid_ = std::move(gid); }
 
     // A medication form: when the doses a day or the meals change, the times
@@ -93,9 +95,15 @@ public:
     using PillTimes = std::function<std::optional<std::string>(const FormRows& rows)>;
     void setPills(PillTimes pillTimes) { pillTimes_ = std::move(pillTimes); }
 
-    // Asks the owner for the document screen of a documents row; the owner
-    // calls back with the new value.
-    using DocumentsOpener = std::function<void(const diary::CatalogueRow& row,
+    // Asks the owner for the document screen of a documents row: its title,
+    // the prefix of the files, and the value. The owner calls back with the
+    // new value.
+    struct DocumentsRequest {
+        QString caption;
+        QString prefix;
+        QString value;
+    };
+    using DocumentsOpener = std::function<void(const DocumentsRequest& request,
                                                std::function<void(std::string value)> done)>;
     void setDocumentsOpener(DocumentsOpener opener) { documents_ = std::move(opener); }
     // Where a photo row gets a picture from the user; by default a file dialog.
@@ -121,7 +129,7 @@ public:
 
     // The sub-form a list row opened, while it is up.
     dic* subForm() const { return sub_; }
-    // The running stopwatch's overlay, or none.
+    // The running stopwatch's overlay, or none once it was stopped.
     QWidget* stopwatchOverlay() const { return overlay_; }
 
 signals:
@@ -133,7 +141,7 @@ protected:
 
 private:
     void buildFrame();
-    void updateData();
+    void updateData(bool keepPlace = true);
     void fillEmptyMoments();
     QWidget* buildRow(std::size_t index, QWidget* parent);
     QWidget* momentRow(std::size_t index, QWidget* parent);
@@ -151,6 +159,7 @@ private:
     void detailClick(std::size_t index);
     void changeDate(std::size_t index, const QDateTime& value);
     void changeData(std::size_t index, const QString& value);
+    void replaceSubForm();
     void subDetail(std::size_t index);
     void subDetailCommit(std::size_t index, const FormRows& rows);
     void timeClick(std::size_t index, std::size_t position);
@@ -164,20 +173,25 @@ private:
     void startClick(std::size_t index);
     void stopClick();
     void onStartTimer();
-    void finishStopwatch();
+    // Ends a running stopwatch without writing anything.
+    void dropStopwatch();
 
     QString own(const char* text) const;
+    // The clock's time, which tests pin.
+    QDateTime now() const;
     QString shown(const std::string& text) const;
     std::string cardIcon(const std::string& picture) const;
-    void answer(const diary::CatalogueRow* sender);
+    void answer(std::optional<std::size_t> sender);
 
     FormServices services_;
-    QPointer<QWidget> host_;
     QPointer<QObject> gparent_;
     Action gaction_;
     int gParentFlag_ = 0;
     bool hasTarget_ = false;
     bool open_ = false;
+    // Counts the openings, so an answer that comes late finds out whether it
+    // is still for the rows it was asked about.
+    std::uint64_t generation_ = 0;
 
     FormRows detailAr_;
     std::vector<diary::ListRow> list_;

@@ -2,6 +2,7 @@
 
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
 #include <QResizeEvent>
@@ -17,6 +18,8 @@ namespace {
 constexpr QSizeF kJawSize(300, 360);
 constexpr double kMarkSize = 48;
 constexpr double kTargetSize = 30;
+// How far from a tooth's centre a tap still reaches it.
+constexpr double kReach = 34;
 struct ToothSpot {
     double x;
     double y;
@@ -32,14 +35,15 @@ constexpr double kUpperLabelTop = 85;
 constexpr double kLowerLabelTop = 210;
 constexpr double kLabelHeight = 65;
 
-// Where a tooth takes a tap. The chart draws the marks itself: a mark is
-// larger than the room between two front teeth, and targets must not
-// overlap.
+// A tooth: what keyboards, assistive tools and callers press. A finger's
+// tap goes to the chart, which gives it to the nearest tooth, since the
+// front teeth stand closer together than a fingertip is wide. The chart
+// draws the marks, which are larger than the room between two teeth.
 class ToothButton final : public QAbstractButton {
 public:
     ToothButton(int number, QWidget* parent) : QAbstractButton(parent) {
         setCheckable(true);
-        setCursor(Qt::PointingHandCursor);
+        setAttribute(Qt::WA_TransparentForMouseEvents);
         setAccessibleName(QStringLiteral("%1").arg(number));
     }
 
@@ -79,9 +83,9 @@ TapRow::TapRow(const platform::QtPictures& pictures, const std::string& icon,
     layout->setContentsMargins(8, 4, 8, 4);
     layout->setSpacing(10);
     if (!icon.empty()) {
-        auto* picture = new QLabel(this);
-        form::setIcon(picture, pictures_, icon, 32);
-        layout->addWidget(picture);
+        icon_ = new QLabel(this);
+        form::setIcon(icon_, pictures_, icon, 32);
+        layout->addWidget(icon_);
     }
     caption_ = new QLabel(caption, this);
     caption_->setWordWrap(true);
@@ -215,6 +219,36 @@ void TeethChart::resizeEvent(QResizeEvent* event) {
         teeth_[i]->setGeometry(
             QRectF(centre.x() - side / 2, centre.y() - side / 2, side, side).toRect());
     }
+}
+
+int TeethChart::toothAt(QPointF point) const {
+    const QRectF jaw = jawRect();
+    const double scale = jaw.width() / kJawSize.width();
+    int nearest = 0;
+    double best = kReach * scale;
+    for (std::size_t i = 0; i < kSpots.size(); ++i) {
+        const QPointF centre(jaw.left() + kSpots[i].x * scale, jaw.top() + kSpots[i].y * scale);
+        const double distance = std::hypot(point.x() - centre.x(), point.y() - centre.y());
+        if (distance < best) {
+            best = distance;
+            nearest = static_cast<int>(i) + 1;
+        }
+    }
+    return nearest;
+}
+
+void TeethChart::mousePressEvent(QMouseEvent* event) {
+    pressed_ = toothAt(event->position());
+    event->accept();
+}
+
+void TeethChart::mouseReleaseEvent(QMouseEvent* event) {
+    const int tooth = toothAt(event->position());
+    if (tooth != 0 && tooth == pressed_) {
+        teeth_[static_cast<std::size_t>(tooth - 1)]->click();
+    }
+    pressed_ = 0;
+    event->accept();
 }
 
 void TeethChart::paintEvent(QPaintEvent* /*event*/) {

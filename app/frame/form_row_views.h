@@ -16,7 +16,8 @@ class QtPictures;
 }
 
 // The controls of form rows that Qt has no ready widget for. They are drawn
-// for a finger: every one that takes a tap is at least kTouchHeight high.
+// for a finger: every one that takes a tap is at least kTouchHeight high,
+// and the teeth take a tap anywhere near them.
 namespace tilika::frame::form {
 
 inline constexpr int kTouchHeight = 48;
@@ -30,6 +31,7 @@ public:
     TapRow(const platform::QtPictures& pictures, const std::string& icon, const QString& caption,
            QWidget* parent);
     QLabel* valueLabel() const { return value_; }
+    QLabel* iconLabel() const { return icon_; }
     // The value at the right; with none, the caption takes the whole row.
     void setValue(const QString& value);
     void setArrow(const std::string& picture);
@@ -40,6 +42,7 @@ protected:
 
 private:
     const platform::QtPictures& pictures_;
+    QLabel* icon_ = nullptr;
     QLabel* caption_;
     QLabel* value_;
     QLabel* arrow_;
@@ -76,6 +79,8 @@ public:
     const std::vector<bool>& marks() const { return marks_; }
     // The tooth button of tooth n (1 to 20).
     QAbstractButton* tooth(int n) const;
+    // The tooth nearest to a point of the chart within a finger's reach, or 0.
+    int toothAt(QPointF point) const;
 
     bool hasHeightForWidth() const override { return true; }
     int heightForWidth(int width) const override;
@@ -87,9 +92,12 @@ signals:
 protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
     QRectF jawRect() const;
+    int pressed_ = 0;
 
     const platform::QtPictures& pictures_;
     std::vector<bool> marks_;

@@ -244,6 +244,10 @@ void fillSources(FormRows& rows, const std::map<std::string, std::string>& defau
     }
 }
 
+bool removesRecord(const diary::CatalogueRow& row) {
+    return row.tp == formkind::button && row.field == "remove";
+}
+
 bool hidesOk(const FormRows& rows) {
     return !rows.empty() && std::all_of(rows.begin(), rows.end(),
                                         [](const auto& row) { return row.tp == formkind::action; });

@@ -72,6 +72,9 @@ std::optional<std::string> fieldValue(const FormRows& rows, std::string_view fie
 
 // Fills the value of each row that has a field from the defaults.
 void fillSources(FormRows& rows, const std::map<std::string, std::string>& defaults);
+// The row of a profile form that removes the child.
+bool removesRecord(const diary::CatalogueRow& row);
+
 // A form of action rows alone has no OK button.
 bool hidesOk(const FormRows& rows);
 

@@ -79,14 +79,16 @@ private slots:
         window_->resize(360, 640);
         window_->show();
         QVERIFY(QTest::qWaitForWindowExposed(window_.get()));
-        form_ = std::make_unique<frame::dic>(
-            frame::FormServices{*state_, dates_, *popups_, qtPictures_, lists_.get()});
+        // The window owns the form, as a screen's window does.
+        form_ = new frame::dic(
+            frame::FormServices{*state_, dates_, *popups_, qtPictures_, lists_.get()},
+            window_.get());
     }
 
     void cleanup() {
-        form_.reset();
         popups_.reset();
         window_.reset();
+        QVERIFY(form_ == nullptr);
     }
 
     void mixedFormIsTypedTappedAndHandedBack() {
@@ -108,6 +110,7 @@ private slots:
         height.scaletype = "1";
         addRow(rows, formkind::teeth, "Зубы", "tooth");
         addRow(rows, formkind::measure, "Единица", "mera");
+        addRow(rows, formkind::times, "Время", "times");
 
         std::optional<std::pair<int, frame::FormRows>> answer;
         form_->prepare(rows, QStringLiteral("Запись"), window_.get(), window_.get(), 42,
@@ -131,8 +134,8 @@ private slots:
         QVERIFY(form_->isOpen());
 
         QTest::keyClicks(control<QLineEdit>(2), QStringLiteral("Masha"));
-        // The number pad takes no letters.
-        QTest::keyClicks(control<QLineEdit>(3), QStringLiteral("12a0.5"));
+        // The number pad takes no letters, and a comma is a decimal point.
+        QTest::keyClicks(control<QLineEdit>(3), QStringLiteral("12a0,5"));
         control<QPlainTextEdit>(4)->moveCursor(QTextCursor::End);
         QTest::keyClicks(control<QPlainTextEdit>(4), QStringLiteral(" ok"));
         control<QWidget>(5)->findChildren<QPushButton*>().at(1)->click();
@@ -153,8 +156,10 @@ private slots:
         QCOMPARE(labelWithTag(8 + 1000)->text(), QStringLiteral("25.11.2026"));
 
         control<development::vesslider>(9)->setPosition(87.3, true);
+        // A finger lands between two front teeth, nearer the fifth.
         auto* chart = control<frame::form::TeethChart>(10);
-        qobject_cast<QAbstractButton*>(frame::childWithTag(chart, 705))->click();
+        const QRect fifth = frame::childWithTag(chart, 705)->geometry();
+        QTest::mouseClick(chart, Qt::LeftButton, {}, fifth.center() + QPoint(fifth.width() / 3, 0));
         qobject_cast<QAbstractButton*>(frame::childWithTag(chart, 701))->click();
 
         control<QAbstractButton>(11)->click();
@@ -179,6 +184,8 @@ private slots:
         QCOMPARE(value("date"), QStringLiteral("25.11.2026"));
         QCOMPARE(value("rost"), QStringLiteral("87.3"));
         QCOMPARE(value("tooth"), QStringLiteral("101<tr>5"));
+        // The times a row shows are the times it keeps.
+        QCOMPARE(value("times"), QStringLiteral("08:00<td>13:00<td>18:00"));
         QVERIFY(!form_->isVisible());
         QCOMPARE(state_->openForms, 0);
     }
@@ -205,9 +212,10 @@ private slots:
         clock_.advance(std::chrono::minutes(65) + std::chrono::seconds(30));
         QTRY_COMPARE_WITH_TIMEOUT(elapsed->text(), QStringLiteral("1:15:30"), 3000);
         overlay->findChild<QPushButton*>(QStringLiteral("stopButton"))->click();
-        QTRY_VERIFY_WITH_TIMEOUT(form_->stopwatchOverlay() == nullptr, 3000);
         QCOMPARE(labelWithTag(1 + 1000)->text(), QStringLiteral("01:15"));
+        QVERIFY(form_->stopwatchOverlay() == nullptr);
 
+        // OK at once, while the overlay still fades, keeps the time.
         okButton()->click();
         QVERIFY(answer);
         QCOMPARE(QString::fromStdString(frame::fieldValue(*answer, "left").value()),
@@ -389,8 +397,8 @@ private slots:
         std::optional<std::string> sender;
         form_->prepare(rows, QStringLiteral("Запись"), window_.get(), window_.get(), 3, {},
                        [&](const frame::FormAnswer& given) {
-                           QVERIFY(given.sender != nullptr);
-                           sender = given.sender->field;
+                           QVERIFY(given.sender.has_value());
+                           sender = given.rows.at(*given.sender).field;
                        });
         QVERIFY(okButton()->isHidden());
         control<QAbstractButton>(2)->click();
@@ -401,11 +409,25 @@ private slots:
         auto target = std::make_unique<QObject>();
         sender.reset();
         form_->prepare(rows, QStringLiteral("Запись"), window_.get(), target.get(), 3, {},
-                       [&](const frame::FormAnswer& given) { sender = given.sender->field; });
+                       [&](const frame::FormAnswer& given) {
+                           sender = given.rows.at(given.sender.value()).field;
+                       });
         target.reset();
         control<QAbstractButton>(1)->click();
         QVERIFY(!sender);
         QCOMPARE(state_->openForms, 0);
+
+        // Nor one let go when the form closes.
+        target = std::make_unique<QObject>();
+        form_->prepare(rows, QStringLiteral("Запись"), window_.get(), target.get(), 3, {},
+                       [&](const frame::FormAnswer& given) {
+                           sender = given.rows.at(given.sender.value()).field;
+                       });
+        const auto connection =
+            connect(form_.data(), &frame::dic::closed, this, [&] { target.reset(); });
+        control<QAbstractButton>(1)->click();
+        disconnect(connection);
+        QVERIFY(!sender);
     }
 
     void profileIsRemovedOnlyWhenAsked() {
@@ -472,6 +494,11 @@ private slots:
         save(window_->grab(), "form_long_end.png");
         QVERIFY(scroll->verticalScrollBar()->maximum() > 0);
 
+        // Opened again, the form starts at the top.
+        form_->detailPrepare(request, window_.get(), nullptr, {});
+        QTest::qWait(20);
+        QCOMPARE(scroll->verticalScrollBar()->value(), 0);
+
         diary::EntryForm course = medication::courseForm(std::nullopt, "22.11.2026", {});
         form_->prepare(course.rows, QStringLiteral("Лекарства"), window_.get(), nullptr, -1,
                        course.defaults, {});
@@ -490,7 +517,7 @@ private slots:
 private:
     template <class T>
     T* control(int tag) const {
-        return tagged<T>(form_.get(), tag);
+        return tagged<T>(form_.data(), tag);
     }
     template <class T>
     static T* tagged(QWidget* root, int tag) {
@@ -549,7 +576,7 @@ private:
     std::unique_ptr<diary::ReferenceLists> lists_;
     std::unique_ptr<frame::Popups> popups_;
     std::unique_ptr<QWidget> window_;
-    std::unique_ptr<frame::dic> form_;
+    QPointer<frame::dic> form_;
 };
 
 QTEST_MAIN(FormTest)

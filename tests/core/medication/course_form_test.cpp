@@ -59,21 +59,5 @@ TEST(CourseFormTest, AnExistingCourseComesBackThroughTheForm) {
     EXPECT_EQ(value[0]["pillperiod"], "p2");
 }
 
-TEST(CourseFormTest, SleepAndWalkForms) {
-    diary::EntryForm sleep = diary::periodForm("sleep", "21:30", std::nullopt);
-    EXPECT_EQ(sleep.caption, "Сон");
-    ASSERT_EQ(sleep.rows.size(), 3u);
-    EXPECT_TRUE(sleep.rows[0].startbutton);
-    EXPECT_EQ(sleep.rows[0].startprogress, "Ребенок спит ...");
-    EXPECT_EQ(sleep.defaults.at("start"), "21:30");
-    EXPECT_EQ(sleep.defaults.at("interval"), "00:00");
-
-    diary::EntryForm walk =
-        diary::periodForm("walk", "10:00", R"({"start":"11:00","end":"12:15","interval":"01:15"})");
-    EXPECT_EQ(walk.rows[2].caption, "Продолжительность прогулки");
-    EXPECT_EQ(walk.defaults.at("end"), "12:15");
-    EXPECT_TRUE(diary::periodForm("pressure", "10:00", std::nullopt).rows.empty());
-}
-
 }  // namespace
 }  // namespace tilika::medication
