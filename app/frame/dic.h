@@ -74,9 +74,9 @@ public:
     explicit dic(FormServices services, QWidget* parent);
     ~dic() override;
 
-    // Opens the form; a host in another window moves it there. Each row with a field takes its
-    // value from the defaults. The action is called on OK, and only while
-    // `target` lives (no target: always).
+    // Opens the form; a host in another window moves it there. Each row
+    // with a field takes its value from the defaults. The action is called
+    // on OK, and only while `target` lives (no target: always).
     void prepare(FormRows rows, const QString& caption, QWidget* host, QObject* target,
                  int parentFlag, const std::map<std::string, std::string>& defaults, Action action);
     // A ready-made form.

@@ -10,6 +10,7 @@
 #include <QScrollBar>
 #include <QTemporaryDir>
 #include <QTimeEdit>
+#include <QToolButton>
 #include <QtTest>
 
 #include "core/app_state.h"
@@ -428,6 +429,39 @@ private slots:
         control<QAbstractButton>(1)->click();
         disconnect(connection);
         QVERIFY(!sender);
+    }
+
+    void photoIsPickedAndCleared() {
+        frame::FormRows rows;
+        addRow(rows, formkind::photo, "", "photo");
+        form_->setPhotoPicker([](QWidget*) {
+            QImage image(4000, 3000, QImage::Format_RGB32);
+            image.fill(Qt::darkGreen);
+            return std::optional<QImage>(image);
+        });
+        std::optional<frame::FormRows> answer;
+        form_->prepare(rows, QStringLiteral("Фото"), window_.get(), nullptr, 1, {},
+                       [&](const frame::FormAnswer& given) { answer = given.rows; });
+        const auto choose = [&](const QString& caption) {
+            form_->findChild<QPushButton*>(QStringLiteral("photo"))->click();
+            QToolButton* item = nullptr;
+            for (auto* button : popups_->panel()->findChildren<QToolButton*>()) {
+                if (button->text() == caption) {
+                    item = button;
+                }
+            }
+            QVERIFY(item != nullptr);
+            item->click();
+        };
+        choose(QStringLiteral("Из альбома"));
+        // The menu answers once it has gone.
+        QTRY_VERIFY(form_->detailAr()[0].image.has_value());
+        QCOMPARE(form_->detailAr()[0].save, 1);
+        QCOMPARE(form_->detailAr()[0].image->width, 2048);  // no larger than any use of it
+
+        choose(QStringLiteral("Очистить"));
+        QTRY_VERIFY(!form_->detailAr()[0].image.has_value());
+        QCOMPARE(form_->detailAr()[0].save, 2);
     }
 
     void profileIsRemovedOnlyWhenAsked() {
