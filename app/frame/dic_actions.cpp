@@ -29,7 +29,6 @@ namespace tilika::frame {
 namespace {
 
 using namespace form;
-using form::kTouchHeight;
 
 constexpr int kStopwatchTag = 213;
 constexpr int kFadeMs = 500;

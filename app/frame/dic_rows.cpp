@@ -12,8 +12,6 @@
 #include <QScrollBar>
 #include <QVBoxLayout>
 
-#include <chrono>
-
 #include "core/app_state.h"
 #include "core/dates.h"
 #include "core/text.h"
@@ -26,6 +24,7 @@
 #include "frame/look.h"
 #include "frame/pictures.h"
 #include "frame/popup_panels.h"
+#include "medication/regimen_texts.h"
 #include "platform/qt_canvas.h"
 #include "platform/qt_image_codec.h"
 #include "platform/qt_pictures.h"
@@ -34,7 +33,6 @@ namespace tilika::frame {
 namespace {
 
 using namespace form;
-using form::kTouchHeight;
 
 // The value of a switch that is on.
 const std::string kOn = "1";
@@ -56,10 +54,6 @@ bool onBackdrop(const diary::CatalogueRow& row) {
     const int tp = row.tp;
     return tp == formkind::separator || tp == formkind::heading || tp == formkind::label ||
            tp == formkind::derived || tp == formkind::picture || removesRecord(row);
-}
-
-double number(const std::string& text) {
-    return core::floatValue(text);
 }
 
 // A picture drawn whole across its row, keeping its proportions.
@@ -101,7 +95,7 @@ void dic::fillEmptyMoments() {
     for (auto& row : detailAr_) {
         if (row.tp == formkind::times && row.source.empty()) {
             // The times shown are the times kept.
-            row.source = core::join(timesOf(""), "<td>");
+            row.source = medication::kFallbackTimes;
             continue;
         }
         if (!row.source.empty()) {
@@ -430,12 +424,12 @@ QWidget* dic::sliderRow(std::size_t index, QWidget* parent) {
     auto* widget = new QWidget(parent);
     QVBoxLayout* box = captionedColumn(row, widget);
     auto* slider = new development::vesslider(widget);
-    slider->prepareRuller(static_cast<int>(number(row.scalemin)),
-                          static_cast<int>(number(row.scalemax)), core::intValue(row.scaletype),
-                          false, false);
+    slider->prepareRuller(static_cast<int>(core::floatValue(row.scalemin)),
+                          static_cast<int>(core::floatValue(row.scalemax)),
+                          core::intValue(row.scaletype), false, false);
     // A value already there is shown, whether or not the row asked to start
     // at it: leaving the ruler off would lose it on OK.
-    const double value = number(row.source);
+    const double value = core::floatValue(row.source);
     slider->setPosition(value, row.startactive || value > 0);
     slider->setSelector([this, index](double position) {
         detailAr_[index].source = sliderSource(position, detailAr_[index].scaletype);

@@ -89,8 +89,8 @@ struct CatalogueRow {
     std::vector<ListRow> list;      // the items of a list row
     std::vector<ListRow> listdata;  // ready items of a list not kept among the reference lists
     int celltype = 0;               // how the items of a list row are drawn
-    int listtype = 0;           // 1 one choice, 2 many
-    int listedittype = 0;       // how a new item is added: 1, 2 or 3
+    int listtype = 0;               // 1 one choice, 2 many
+    int listedittype = 0;           // how a new item is added: 1, 2 or 3
     std::string scalemin;
     std::string scalemax;
     std::string scaletype;  // "3" keeps three decimals

@@ -1,7 +1,5 @@
 #include "frame/navigation.h"
 
-#include <cmath>
-
 #include "core/app_state.h"
 #include "core/settings_keys.h"
 #include "platform/settings_store.h"
