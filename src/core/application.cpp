@@ -125,13 +125,7 @@ bool Application::didFinishLaunching(const LaunchOptions& options) {
     state_.versionKey = replaceAll(build::kShortVersion, ".", "-");
     state_.pageCount = pageCount(state_.menuItems);
 
-    // Layout constants are given for a 320 x 480 portrait screen.
-    platform::ScreenSize size = shell_.screenSize();
-    if (size.width > size.height) {
-        std::swap(size.width, size.height);
-    }
-    state_.scaleY = size.height / 480.0;
-    state_.scaleX = size.width / 320.0;
+    applyScreenSize(state_, shell_.screenSize());
 
     state_.markAllPagesDirty();
     dropboxInit();
@@ -145,6 +139,24 @@ bool Application::didFinishLaunching(const LaunchOptions& options) {
     shell_.registerUserNotifications(kAllNotificationTypes);
     shell_.registerForRemoteNotifications();
     buildShortcuts();
+    return true;
+}
+
+void applyScreenSize(AppState& state, platform::ScreenSize size) {
+    // Layout constants are given for a 320 x 480 portrait screen.
+    if (size.width > size.height) {
+        std::swap(size.width, size.height);
+    }
+    state.scaleY = size.height / 480.0;
+    state.scaleX = size.width / 320.0;
+}
+
+bool Application::gotoAppStore() {
+    const std::string page = build::kStorePageUrl;
+    if (page.empty()) {
+        return false;
+    }
+    shell_.openUrl(page);
     return true;
 }
 
@@ -237,7 +249,7 @@ void Application::checkAppStoreAlert() {
         alert.onClose = [this](int button) {
             if (button == 1) {
                 settings_.helpFinish(keys::appStore);
-                shell_.openUrl(build::kStorePageUrl);
+                gotoAppStore();
             }
         };
         shell_.showAlert(std::move(alert));

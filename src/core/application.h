@@ -13,9 +13,14 @@
 
 namespace tilika::platform {
 class Shell;
-}
+struct ScreenSize;
+}  // namespace tilika::platform
 
 namespace tilika::core {
+
+// The scale of the layout constants, which are given for a 320 x 480
+// portrait screen, for a screen (or window) of this size.
+void applyScreenSize(AppState& state, platform::ScreenSize size);
 
 struct LaunchOptions {
     // Type of the home-screen shortcut the program was started from.
@@ -52,6 +57,8 @@ public:
 
     // Greets each child once on each birthday, and asks for a rating.
     void checkAppStoreAlert();
+    // Opens the program's page in the store; false when this build has none.
+    bool gotoAppStore();
     // Acts on a shortcut "NEWNOTE|<profile>": makes the profile active and
     // opens today's diary entry for it.
     void quickStart(const std::string& shortcut);

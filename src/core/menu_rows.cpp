@@ -64,9 +64,11 @@ std::vector<MenuRow> buildMenuItems(int langid, const std::string& shortVersion)
         if (spec.russianOnly && langid != 1) {
             continue;
         }
-        rows.push_back({spec.tp, spec.pic, spec.name, spec.id, spec.comment, spec.gid, false});
+        rows.push_back(
+            {spec.tp, spec.pic, spec.name, spec.id, spec.comment, spec.gid, false, false, 0});
     }
-    rows.push_back({menukind::version, "", "", 0, "Версия " + shortVersion, kMenuMain, false});
+    rows.push_back(
+        {menukind::version, "", "", 0, "Версия " + shortVersion, kMenuMain, false, false, 0});
     return rows;
 }
 

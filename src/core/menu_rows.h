@@ -27,6 +27,8 @@ struct MenuRow {
     std::string comment;
     std::string gid;
     bool needupdate = false;
+    bool checked = false;  // a switch's state
+    int hint = 0;          // the count on the row's badge; none at 0
 };
 
 // The main menu rows in their fixed order. Rows for services that exist

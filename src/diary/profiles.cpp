@@ -14,7 +14,6 @@ namespace tilika::diary {
 namespace {
 
 constexpr int kUnknownBloodGroup = 31;
-constexpr const char* kNoName = "Без имени";
 
 std::size_t letterCount(std::string_view utf8) {
     std::size_t count = 0;
@@ -193,9 +192,13 @@ std::vector<ProfileRow> Profiles::loadProfils() const {
 std::map<std::string, std::string> Profiles::childNames() const {
     std::map<std::string, std::string> names;
     for (const ProfileRow& row : loadProfils()) {
-        names[row.childguid] = letterCount(row.childname) < 2 ? kNoName : row.childname;
+        names[row.childguid] = shownChildName(row.childname);
     }
     return names;
+}
+
+std::string shownChildName(const std::string& name) {
+    return letterCount(name) < 2 ? std::string("Без имени") : name;
 }
 
 std::filesystem::path Profiles::portraitPath(std::string_view gid) const {

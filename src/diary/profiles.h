@@ -60,6 +60,10 @@ struct ProfileRow {
     int sex = 0;
 };
 
+// A child's name as the lists show it: "Без имени" for one shorter than two
+// letters.
+std::string shownChildName(const std::string& name);
+
 // The children kept on this device.
 class Profiles {
 public:

@@ -1,0 +1,113 @@
+#include "frame/menu_blocks.h"
+
+#include <algorithm>
+#include <system_error>
+
+#include "core/app_state.h"
+#include "core/context.h"
+#include "core/dates.h"
+#include "diary/profiles.h"
+#include "frame/navigation.h"
+
+namespace tilika::frame {
+
+std::vector<ChildBlock> childBlocks(core::Context& context) {
+    const core::AppState& state = context.state;
+    const core::Dates& dates = context.dates;
+    const diary::Profiles profiles(context);
+    const core::Date today = dates.now();
+    const std::string themePrefix = state.lightTheme ? "b-" : "";
+
+    std::vector<ChildBlock> blocks;
+    for (const diary::ProfileRow& profile : profiles.loadProfils()) {
+        ChildBlock block;
+        block.guid = profile.childguid;
+        std::error_code error;
+        if (const auto photo = profiles.portraitPath(profile.childguid);
+            !photo.empty() && std::filesystem::is_regular_file(photo, error)) {
+            block.photo = photo;
+        }
+        block.placeholder = "ti-child.png";
+        block.sexPicture = themePrefix + (profile.sex == 1 ? "w-pic.png" : "b-pic.png");
+        block.name = diary::shownChildName(profile.childname);
+        if (profile.sbirthdate) {
+            block.birth = dates.dateToString(*profile.sbirthdate, "dd.MM.yyyy");
+            block.age = dates.monthAge(*profile.sbirthdate, today, true, false);
+        } else {
+            block.birth = "не указано";
+        }
+        block.dayPicture = themePrefix + "m-day.png";
+        block.rows = childRows(state.menuItems, profile.childguid);
+        blocks.push_back(std::move(block));
+    }
+    return blocks;
+}
+
+std::vector<core::MenuRow> childRows(const std::vector<core::MenuRow>& table,
+                                     const std::string& gid) {
+    std::vector<core::MenuRow> rows;
+    for (const core::MenuRow& row : table) {
+        if (row.gid == core::kMenuLocal &&
+            (row.tp == core::menukind::page || row.tp == core::menukind::action)) {
+            rows.push_back(row);
+            rows.back().gid = gid;
+        }
+    }
+    return rows;
+}
+
+std::vector<core::MenuRow> commonRows(const std::vector<core::MenuRow>& table) {
+    std::vector<core::MenuRow> rows;
+    std::copy_if(table.begin(), table.end(), std::back_inserter(rows),
+                 [](const core::MenuRow& row) { return row.gid == core::kMenuMain; });
+    return rows;
+}
+
+int blockHeight(bool open, std::size_t rowCount) {
+    return open ? kOpenBlockHeight + kMenuRowHeight * static_cast<int>(rowCount)
+                : kClosedBlockHeight;
+}
+
+int pagePosition(const std::vector<core::MenuRow>& table, int id) {
+    for (std::size_t i = 0; i < table.size(); ++i) {
+        if (table[i].tp == core::menukind::page && table[i].id == id) {
+            return static_cast<int>(i) + 1;
+        }
+    }
+    return 0;
+}
+
+int pageIdAt(const std::vector<core::MenuRow>& table, int position) {
+    if (position < 1 || position > static_cast<int>(table.size())) {
+        return 0;
+    }
+    const core::MenuRow& row = table[static_cast<std::size_t>(position - 1)];
+    return row.tp == core::menukind::page ? row.id : 0;
+}
+
+MenuCommand menuCommand(int id) {
+    if (id <= 0) {
+        return MenuCommand::none;
+    }
+    if (id < 20) {
+        return MenuCommand::openPage;
+    }
+    if (menuSettingKey(id)) {
+        return MenuCommand::setting;
+    }
+    switch (id) {
+        case 22:
+            return MenuCommand::childSettings;
+        case 31:
+            return MenuCommand::addChild;
+        case 37:
+            return MenuCommand::rateProgram;
+        case 42:
+            return MenuCommand::background;
+        default:
+            // The reports, the photo book and the online services.
+            return MenuCommand::coming;
+    }
+}
+
+}  // namespace tilika::frame
