@@ -4,6 +4,8 @@
 #include <QEvent>
 #include <QLabel>
 #include <QPainter>
+#include <QScrollArea>
+#include <QToolButton>
 
 #include "core/app_state.h"
 #include "frame/backgrounds.h"
@@ -141,6 +143,31 @@ void correctBackgroundText(QWidget* view, const core::AppState& state) {
             setTextColor(widget, color);
         }
     }
+}
+
+void showBackdropThrough(QScrollArea* scroll) {
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->viewport()->setAutoFillBackground(false);
+    scroll->setStyleSheet(QStringLiteral("QScrollArea { background: transparent; }"));
+}
+
+QToolButton* headerButton(const QString& tip, QWidget* parent) {
+    auto* button = new QToolButton(parent);
+    button->setAutoRaise(true);
+    button->setFocusPolicy(Qt::NoFocus);
+    button->setStyleSheet(QStringLiteral("QToolButton { border: none; background: transparent; }"));
+    button->setIconSize(QSize(28, 28));
+    button->setFixedSize(44, 44);
+    button->setToolTip(tip);
+    button->setAccessibleName(tip);
+    return button;
+}
+
+void setHeaderButtonPicture(QToolButton* button, const platform::QtPictures& pictures,
+                            const std::string& picture, const core::AppState& state) {
+    const QImage image =
+        pictures.image(pictures.pictures().themed(picture, state.lightTheme), QSize(56, 56));
+    button->setIcon(QIcon(QPixmap::fromImage(image)));
 }
 
 void translateView(QWidget* view, const core::AppState& state) {

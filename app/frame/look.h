@@ -5,6 +5,9 @@
 
 #include <string>
 
+class QScrollArea;
+class QToolButton;
+
 namespace tilika::core {
 struct AppState;
 }
@@ -54,6 +57,15 @@ void correctBackground(QWidget* view, bool bd, core::AppState& state,
 // Labels directly on the view, and its tagged text view, in the theme's
 // text colour.
 void correctBackgroundText(QWidget* view, const core::AppState& state);
+// A scroll area that lets the screen's backdrop show through.
+void showBackdropThrough(QScrollArea* scroll);
+
+// A picture button of a screen's header (back, next), and its picture in
+// the look of the background in use; set it again when that changes.
+QToolButton* headerButton(const QString& tip, QWidget* parent);
+void setHeaderButtonPicture(QToolButton* button, const platform::QtPictures& pictures,
+                            const std::string& picture, const core::AppState& state);
+
 // Every label's text and every button's title in the state's language.
 void translateView(QWidget* view, const core::AppState& state);
 

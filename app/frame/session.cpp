@@ -5,7 +5,7 @@
 
 #include <cstdlib>
 
-#include "frame/main_window.h"
+#include "frame/view_controller.h"
 
 namespace tilika::frame {
 
@@ -15,7 +15,11 @@ Session::Session(const platform::Clock& clock, std::filesystem::path dataDir,
       pictures_(folders_.path(platform::SystemFolder::Root) / "pictures"),
       settings_(folders_.path(platform::SystemFolder::Library) / "settings.json"),
       application_(clock, settings_, folders_, shell_) {
-    shell_.setRootFactory([this] { return std::make_unique<MainWindow>(application_.state()); });
+    shell_.setRootFactory([this] {
+        return std::make_unique<ViewController>(
+            RootServices{application_, qtPictures_, imageCodec_,
+                         folders_.path(platform::SystemFolder::Root) / "content"});
+    });
 }
 
 Session::~Session() {

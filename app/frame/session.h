@@ -9,6 +9,7 @@
 #include "core/application.h"
 #include "frame/pictures.h"
 #include "platform/folders.h"
+#include "platform/qt_image_codec.h"
 #include "platform/qt_pictures.h"
 #include "platform/qt_shell.h"
 #include "platform/settings_store.h"
@@ -20,7 +21,7 @@ class Clock;
 namespace tilika::frame {
 
 // One running program over one data folder: the platform services, the core
-// application, the main window, and the wiring of Qt's application states to
+// application, the root screen, and the wiring of Qt's application states to
 // the core's activation entry points. Needs a QApplication.
 class Session {
 public:
@@ -58,6 +59,7 @@ private:
     platform::DataFolders folders_;
     Pictures pictures_;
     platform::QtPictures qtPictures_{pictures_};
+    platform::QtImageCodec imageCodec_;
     // Two programs on one folder would overwrite each other's settings and
     // race for the daily copy.
     std::unique_ptr<QLockFile> lock_;

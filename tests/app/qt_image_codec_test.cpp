@@ -18,9 +18,8 @@ private slots:
         QVERIFY(picture.save(&buffer, "PNG"));
 
         const QtImageCodec codec;
-        const auto decoded = codec.decode(
-            {reinterpret_cast<const std::uint8_t*>(png.constData()),
-             static_cast<std::size_t>(png.size())});
+        const auto decoded = codec.decode({reinterpret_cast<const std::uint8_t*>(png.constData()),
+                                           static_cast<std::size_t>(png.size())});
         QVERIFY(decoded.has_value());
         QCOMPARE(decoded->width, 64);
         QCOMPARE(decoded->height, 32);

@@ -1,4 +1,4 @@
-#include "frame/main_window.h"
+#include "frame/session.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -8,12 +8,13 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
-#include "frame/session.h"
+#include "frame/main_menu.h"
+#include "frame/view_controller.h"
 #include "platform/clock.h"
 
 using namespace tilika;
 
-class MainWindowTest : public QObject {
+class SessionTest : public QObject {
     Q_OBJECT
 
 private slots:
@@ -29,21 +30,13 @@ private slots:
         dir_.reset();
     }
 
-    void showsTheMenuRowsBuiltAtLaunch() {
-        auto* window = qobject_cast<frame::MainWindow*>(session_->rootWindow());
-        QVERIFY(window != nullptr);
-        QVERIFY(window->isVisible());
-        QCOMPARE(window->windowTitle(), QStringLiteral("Тилика"));
-
-        const auto& rows = session_->application().state().menuItems;
-        QListWidget* list = window->menuList();
-        QCOMPARE(list->count(), static_cast<int>(rows.size()));
-        QCOMPARE(list->item(0)->text(), QStringLiteral("Анкетные данные на сегодня"));
-        QCOMPARE(list->item(0)->data(Qt::UserRole).toInt(), 1);
-        // Nameless rows show their comment.
-        QCOMPARE(list->item(list->count() - 2)->text(),
-                 QStringLiteral("Показывать контекстную рекламу"));
-        QVERIFY(list->item(list->count() - 1)->text().startsWith(QStringLiteral("Версия ")));
+    void showsTheRootScreenWithTheMenu() {
+        auto* root = qobject_cast<frame::ViewController*>(session_->rootWindow());
+        QVERIFY(root != nullptr);
+        QVERIFY(root->isVisible());
+        QCOMPARE(root->windowTitle(), QStringLiteral("Тилика"));
+        QCOMPARE(root->gCurTab(), 0);
+        QVERIFY(root->menuTab()->isVisible());
     }
 
     void refusesASecondProgramOnTheSameFolder() {
@@ -108,5 +101,5 @@ private:
     std::unique_ptr<frame::Session> session_;
 };
 
-QTEST_MAIN(MainWindowTest)
-#include "main_window_test.moc"
+QTEST_MAIN(SessionTest)
+#include "session_test.moc"

@@ -1,0 +1,458 @@
+#include "frame/view_controller.h"
+
+#include <QAbstractButton>
+#include <QAbstractSpinBox>
+#include <QApplication>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QMouseEvent>
+#include <QPlainTextEdit>
+#include <QTextEdit>
+#include <QTimer>
+#include <QVariantAnimation>
+
+#include "core/application.h"
+#include "core/context.h"
+#include "diary/reference_lists.h"
+#include "frame/background_screen.h"
+#include "frame/coming_page.h"
+#include "frame/dic.h"
+#include "frame/main_menu.h"
+#include "frame/menu_blocks.h"
+#include "frame/popup_panels.h"
+#include "frame/tab.h"
+#include "frame/text_page.h"
+#include "frame/tilt_sensor.h"
+#include "frame/translation.h"
+#include "platform/qt_pictures.h"
+#include "platform/shell.h"
+
+namespace tilika::frame {
+
+namespace {
+
+constexpr int kSlideMs = 400;
+// A drag becomes a swipe once it has gone this far, mostly sideways.
+constexpr int kSwipeStart = 12;
+
+// The fields that hold each page, by its id.
+constexpr std::array<const char*, 11> kTabNames = {
+    "",         "passportTab", "indayTab",  "titleTab", "babyTab", "playTab",
+    "toothTab", "kormTab",     "doctorTab", "noteTab",  "planeTab"};
+
+bool editsText(const QObject* object) {
+    return qobject_cast<const QLineEdit*>(object) != nullptr ||
+           qobject_cast<const QTextEdit*>(object) != nullptr ||
+           qobject_cast<const QPlainTextEdit*>(object) != nullptr ||
+           qobject_cast<const QAbstractSpinBox*>(object) != nullptr;
+}
+
+}  // namespace
+
+ViewController::ViewController(RootServices services, QWidget* parent)
+    : QWidget(parent),
+      services_(std::move(services)),
+      state_(services_.application.state()),
+      context_(services_.application.context()),
+      tilt_(new TiltSensor(this)) {
+    setWindowTitle(QStringLiteral("Тилика"));
+    setFocusPolicy(Qt::StrongFocus);
+    popups_ =
+        std::make_unique<Popups>(state_, context_.settings, services_.pictures,
+                                 TextPageEnvironment{state_, services_.pictures.pictures(),
+                                                     context_.dates, services_.contentFolder});
+    lists_ = std::make_unique<diary::ReferenceLists>(context_);
+
+    menu_ = new mainMenu(
+        context_, services_.pictures,
+        MenuActions{[this](const core::MenuRow& row) { menuClick(row); },
+                    [this](const core::MenuRow& row, bool on) { mainMenuClick(row, on); }},
+        this);
+    for (QWidget*& holder : holders_) {
+        holder = new QWidget(this);
+        holder->hide();
+    }
+    holders_[0]->setObjectName(QStringLiteral("body"));
+    holders_[1]->setObjectName(QStringLiteral("body2"));
+
+    connect(tilt_, &TiltSensor::tilted, this, &ViewController::onTilt);
+    correctTilt();
+    // Swipes start on any widget of a page, and the arrow keys work whatever
+    // on the page has the focus, so both are watched for the whole program.
+    qApp->installEventFilter(this);
+    connect(qGuiApp, &QGuiApplication::applicationStateChanged, this,
+            [this](Qt::ApplicationState state) {
+                if (state == Qt::ApplicationActive) {
+                    becomeActive();
+                }
+            });
+}
+
+ViewController::~ViewController() {
+    qApp->removeEventFilter(this);
+}
+
+// ---- pages ----
+
+Tab* ViewController::tab(int pageId) {
+    if (pageId < 1 || pageId >= static_cast<int>(tabs_.size())) {
+        return nullptr;
+    }
+    QPointer<Tab>& slot = tabs_[static_cast<std::size_t>(pageId)];
+    if (slot == nullptr) {
+        // No section has its own page yet: each shows what it is and that
+        // it is coming.
+        QString caption;
+        for (const core::MenuRow& row : state_.menuItems) {
+            if (row.tp == core::menukind::page && row.id == pageId) {
+                caption = QString::fromStdString(translate(state_, row.name));
+            }
+        }
+        slot = new comingPage(pageId, caption, state_, services_.pictures, this);
+        if (pageId < static_cast<int>(kTabNames.size())) {
+            slot->setObjectName(QString::fromLatin1(kTabNames[static_cast<std::size_t>(pageId)]));
+        }
+        slot->hide();
+        connect(slot, &Tab::menuRequested, this, &ViewController::gotoMenu);
+        connect(slot, &Tab::nextPageRequested, this, &ViewController::gotoNextPage);
+    }
+    return slot;
+}
+
+QWidget* ViewController::topHolder() const {
+    return holders_[reg_ == 1 ? 0 : 1];
+}
+
+QWidget* ViewController::underHolder() const {
+    return holders_[reg_ == 1 ? 1 : 0];
+}
+
+void ViewController::updateTab(int pageId, const std::string& gid, bool animation) {
+    if (pageId < 0 || pageId >= core::kPageCount) {
+        return;
+    }
+    bool& dirty = state_.pageDirty[static_cast<std::size_t>(pageId)];
+    if (dirty) {
+        dirty = false;
+        if (pageId == 0) {
+            menu_->updateMenu();
+        } else if (Tab* page = tab(pageId)) {
+            page->activateView(gid);
+        }
+    }
+    if (animation && pageId >= 1 && pageId <= 10) {
+        if (Tab* page = tab(pageId)) {
+            page->activate();
+        }
+    }
+}
+
+void ViewController::openTab(int pageId, const std::string& gid) {
+    state_.activeGid = gid;
+    updateTab(pageId, gid, true);
+    const int position = pagePosition(state_.menuItems, pageId);
+    if (position == 0) {
+        return;
+    }
+    const int next = pageIdAt(state_.menuItems, nextPagePosition(position, state_.pageCount));
+    updateTab(next, gid, false);
+    setActivePage(position, gCurTab_ == 0 ? Entrance::slide : Entrance::none);
+}
+
+void ViewController::setActivePage(int position, Entrance entrance) {
+    const int pageId = pageIdAt(state_.menuItems, position);
+    Tab* page = tab(pageId);
+    if (page == nullptr) {
+        return;
+    }
+    gCurTab_ = pageId;
+    gPage_ = position;
+    Tab* next = tab(pageIdAt(state_.menuItems, nextPagePosition(position, state_.pageCount)));
+
+    // The page that a swipe brought in already lies in the lower holder: it
+    // becomes the upper one where it is.
+    if (page->parentWidget() == underHolder()) {
+        reg_ = reg_ == 1 ? 2 : 1;
+    }
+    for (QWidget* holder : holders_) {
+        for (QObject* child : holder->children()) {
+            if (auto* widget = qobject_cast<QWidget*>(child); widget != page && widget != next) {
+                widget->hide();
+                widget->setParent(this);
+            }
+        }
+    }
+    const auto place = [](Tab* tab, QWidget* holder) {
+        if (tab->parentWidget() != holder) {
+            tab->setParent(holder);
+        }
+        tab->setGeometry(holder->rect());
+        tab->show();
+    };
+    place(page, topHolder());
+    if (next != nullptr && next != page) {
+        place(next, underHolder());
+    }
+    for (QWidget* holder : holders_) {
+        holder->show();
+    }
+    underHolder()->raise();
+    topHolder()->raise();
+
+    if (slide_ != nullptr) {
+        slide_->stop();
+    }
+    switch (entrance) {
+        case Entrance::slide:
+            setOffset(width());
+            animateOffset(0, kSlideMs, {});
+            break;
+        case Entrance::none:
+            setOffset(0);
+            break;
+    }
+}
+
+void ViewController::setOffset(int offset) {
+    offset_ = offset;
+    const int w = width();
+    topHolder()->setGeometry(offset, 0, w, height());
+    underHolder()->setGeometry(offset + w, 0, w, height());
+    // The menu shows from under the page at a quarter of its pace.
+    const int menuShift = offset > 0 ? -(w - offset) / 4 : -w / 4;
+    menu_->setGeometry(menuShift, 0, w, height());
+}
+
+void ViewController::animateOffset(int to, int durationMs, std::function<void()> done) {
+    if (slide_ != nullptr) {
+        slide_->stop();
+    }
+    auto* animation = new QVariantAnimation(this);
+    animation->setDuration(durationMs);
+    animation->setEasingCurve(QEasingCurve::OutCubic);
+    animation->setStartValue(offset_);
+    animation->setEndValue(to);
+    connect(animation, &QVariantAnimation::valueChanged, this,
+            [this](const QVariant& value) { setOffset(value.toInt()); });
+    if (done) {
+        connect(animation, &QVariantAnimation::finished, this, std::move(done));
+    }
+    slide_ = animation;
+    animation->start(QAbstractAnimation::DeleteWhenStopped);
+}
+
+void ViewController::gotoMenu() {
+    if (gCurTab_ == 0) {
+        return;
+    }
+    gCurTab_ = 0;
+    setFocus();
+    animateOffset(width(), kSlideMs, [this] {
+        for (QWidget* holder : holders_) {
+            holder->hide();
+        }
+        setOffset(width());
+        updateTab(0, state_.activeGid.value_or(""), true);
+    });
+}
+
+void ViewController::gotoNextPage() {
+    if (!state_.activeGid) {
+        return;
+    }
+    const int position = nextPagePosition(gPage_, state_.pageCount);
+    const int pageId = pageIdAt(state_.menuItems, position);
+    const std::string gid = *state_.activeGid;
+    if (gCurTab_ == 0) {
+        openTab(pageId, gid);
+        return;
+    }
+    animateOffset(-width(), kSlideMs, [this, pageId, gid] { openTab(pageId, gid); });
+}
+
+// ---- swipes, keys and tilts ----
+
+bool ViewController::isSliding() const {
+    return slide_ != nullptr && slide_->state() == QAbstractAnimation::Running;
+}
+
+bool ViewController::canMove() const {
+    return gCurTab_ != 0 && !state_.popupShown && state_.openForms == 0 && background_ == nullptr &&
+           QApplication::activeModalWidget() == nullptr && isActiveWindow();
+}
+
+bool ViewController::eventFilter(QObject* watched, QEvent* event) {
+    const QEvent::Type type = event->type();
+    if (type != QEvent::MouseButtonPress && type != QEvent::MouseMove &&
+        type != QEvent::MouseButtonRelease && type != QEvent::KeyPress) {
+        return false;
+    }
+    auto* widget = qobject_cast<QWidget*>(watched);
+    if (widget == nullptr || !topHolder()->isAncestorOf(widget)) {
+        return false;
+    }
+    if (type == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        // Text fields keep their arrows.
+        if (editsText(widget) && key != Qt::Key_Escape) {
+            return false;
+        }
+        return handleNavigationKey(key);
+    }
+    auto* mouse = static_cast<QMouseEvent*>(event);
+    const QPoint global = mouse->globalPosition().toPoint();
+    switch (type) {
+        case QEvent::MouseButtonPress:
+            if (mouse->button() == Qt::BackButton && canMove()) {
+                gotoMenu();
+                return true;
+            }
+            if (mouse->button() == Qt::ForwardButton && canMove()) {
+                gotoNextPage();
+                return true;
+            }
+            pressAt_ = mouse->button() == Qt::LeftButton ? std::optional(global) : std::nullopt;
+            swiping_ = false;
+            return false;
+        case QEvent::MouseMove:
+            if (!pressAt_ || !(mouse->buttons() & Qt::LeftButton)) {
+                return false;
+            }
+            if (!swiping_) {
+                const QPoint moved = global - *pressAt_;
+                if (std::abs(moved.x()) < kSwipeStart ||
+                    std::abs(moved.x()) < 2 * std::abs(moved.y()) || !canMove() || isSliding()) {
+                    return false;
+                }
+                swiping_ = true;
+                swipeStartOffset_ = offset_;
+                // The press that began the swipe taps nothing.
+                for (QWidget* w = widget; w != nullptr && w != this; w = w->parentWidget()) {
+                    if (auto* button = qobject_cast<QAbstractButton*>(w)) {
+                        button->setDown(false);
+                    }
+                }
+            }
+            swipeMove(global);
+            return true;
+        case QEvent::MouseButtonRelease: {
+            const bool was = swiping_;
+            pressAt_.reset();
+            swiping_ = false;
+            if (was) {
+                swipeEnd();
+            }
+            return was;
+        }
+        default:
+            return false;
+    }
+}
+
+void ViewController::swipeMove(QPoint global) {
+    const int w = width();
+    const int dragged = swipeStartOffset_ + (global.x() - pressAt_->x());
+    setOffset(std::clamp(dragged, -w, w));
+}
+
+void ViewController::swipeEnd() {
+    switch (frame::swipeEnd(offset_, width())) {
+        case SwipeEnd::menu:
+            gotoMenu();
+            break;
+        case SwipeEnd::nextPage:
+            gotoNextPage();
+            break;
+        case SwipeEnd::rest:
+            animateOffset(0, kSlideMs, {});
+            break;
+    }
+}
+
+bool ViewController::handleNavigationKey(int key) {
+    if (!canMove()) {
+        return false;
+    }
+    switch (key) {
+        case Qt::Key_Right:
+        case Qt::Key_PageDown:
+            gotoNextPage();
+            return true;
+        case Qt::Key_Left:
+        case Qt::Key_Escape:
+        case Qt::Key_Back:
+            gotoMenu();
+            return true;
+        default:
+            return false;
+    }
+}
+
+void ViewController::onTilt(double x, bool upsideDown) {
+    if (!state_.accelerate || state_.popupShown || state_.openForms > 0 ||
+        !services_.application.context().state.activeGid) {
+        tiltNavigator_.update(x, upsideDown, false);
+        return;
+    }
+    switch (tiltNavigator_.update(x, upsideDown, true)) {
+        case TiltNavigator::Move::toMenu:
+            gotoMenu();
+            break;
+        case TiltNavigator::Move::nextPage:
+            gotoNextPage();
+            break;
+        case TiltNavigator::Move::none:
+            break;
+    }
+}
+
+void ViewController::correctTilt() {
+    // The sensor only runs while the switch is on; without one it stays off.
+    if (state_.accelerate) {
+        tilt_->start();
+    } else {
+        tilt_->stop();
+    }
+}
+
+// ---- the window ----
+
+void ViewController::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    core::applyScreenSize(
+        state_, platform::ScreenSize{static_cast<double>(width()), static_cast<double>(height())});
+    if (gCurTab_ == 0) {
+        setOffset(width());
+    } else {
+        setOffset(0);
+    }
+    for (QWidget* holder : holders_) {
+        for (QObject* child : holder->children()) {
+            if (auto* page = qobject_cast<QWidget*>(child)) {
+                page->setGeometry(holder->rect());
+            }
+        }
+    }
+}
+
+void ViewController::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    if (!appeared_) {
+        appeared_ = true;
+        // Once the window is up, so the welcome lies over the menu.
+        QTimer::singleShot(0, this, &ViewController::viewDidAppear);
+    }
+}
+
+void ViewController::becomeActive() {
+    if (!isVisible() || QApplication::activeModalWidget() != nullptr) {
+        return;
+    }
+    if (gCurTab_ != 0 && state_.activeGid) {
+        updateTab(gCurTab_, *state_.activeGid, true);
+    }
+    menu_->updateMenu();
+}
+
+}  // namespace tilika::frame

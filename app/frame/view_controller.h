@@ -1,0 +1,162 @@
+#pragma once
+
+#include <QPoint>
+#include <QPointer>
+#include <QWidget>
+
+#include <array>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "frame/navigation.h"
+
+class QVariantAnimation;
+
+namespace tilika::core {
+class Application;
+struct AppState;
+struct Context;
+struct MenuRow;
+}  // namespace tilika::core
+namespace tilika::diary {
+class ReferenceLists;
+}
+namespace tilika::platform {
+class ImageCodec;
+class QtPictures;
+}  // namespace tilika::platform
+
+namespace tilika::frame {
+
+class Popups;
+class Tab;
+class TiltSensor;
+class background;
+class dic;
+class mainMenu;
+struct FormAnswer;
+
+// What the root screen needs of the running program.
+struct RootServices {
+    core::Application& application;
+    const platform::QtPictures& pictures;
+    const platform::ImageCodec& images;
+    // The folder of the program's reading matter.
+    std::filesystem::path contentFolder;
+};
+
+// The root screen: the main menu underneath and, over it, the pages of the
+// child selected on it. A page comes from its row on the menu; a swipe to
+// the left (or the right arrow key, or a tilt) brings the next page, a
+// swipe to the right (or the left arrow key, Escape, a tilt) the menu.
+//
+// Two holders carry the pages: the page shown, and under it, to its right,
+// the page that follows, so that a swipe shows it at once.
+class ViewController final : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit ViewController(RootServices services, QWidget* parent = nullptr);
+    ~ViewController() override;
+
+    // How a page comes on top: sliding in over the menu, or at once where
+    // a swipe already brought it.
+    enum class Entrance { slide, none };
+
+    // Opens the page of a menu row for a child.
+    void openTab(int pageId, const std::string& gid);
+    // Reloads a page when it is marked for it; with `animation` also tells
+    // it that it came on top.
+    void updateTab(int pageId, const std::string& gid, bool animation);
+    // Puts the page at a position of the menu table on top.
+    void setActivePage(int position, Entrance entrance);
+    void gotoMenu();
+    void gotoNextPage();
+
+    // The profile form of a child, or of a new one without a guid.
+    void setupShow(std::optional<std::string> gid);
+    // The buttons of the welcome page: 1 what's new, 2 about the program,
+    // 3 the first child's profile, 4 the cloud.
+    void newVersion(int tag);
+
+    // What is shown: 0 for the menu, else the page's id; and the page's
+    // position in the menu table, from 1.
+    int gCurTab() const { return gCurTab_; }
+    int gPage() const { return gPage_; }
+    mainMenu* menuTab() const { return menu_; }
+    Popups& popups() { return *popups_; }
+    // The page of this id, made when first asked for.
+    Tab* tab(int pageId);
+    // The holder of the page on top, and the one under it.
+    QWidget* topHolder() const;
+    QWidget* underHolder() const;
+    // The profile form, once opened; the background chooser while it is up.
+    dic* setupForm() const;
+    background* backgroundScreen() const;
+    TiltSensor* tiltSensor() const { return tilt_; }
+    // Whether the pages are on their way somewhere; a swipe waits for them.
+    bool isSliding() const;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+
+private:
+    // ---- the pager ----
+    // Whether the pages may move now: a page is up, and no popup, form or
+    // dialog lies over it.
+    bool canMove() const;
+    // Lays the holders out with the page on top `offset` pixels to the right
+    // of its place, and the menu following at a quarter of the way.
+    void setOffset(int offset);
+    void animateOffset(int to, int durationMs, std::function<void()> done);
+    void swipeMove(QPoint global);
+    void swipeEnd();
+    bool handleNavigationKey(int key);
+    void onTilt(double x, bool upsideDown);
+    void correctTilt();
+    void becomeActive();
+
+    // ---- the menu's rows (in view_controller_actions.cpp) ----
+    void menuClick(const core::MenuRow& row);
+    void mainMenuClick(const core::MenuRow& row, bool checked);
+    void settingClick(const core::MenuRow& row, bool on);
+    void editDic(const FormAnswer& answer, const std::string& gid);
+    void showBackgrounds();
+    void changeBackground(long long id);
+    void comingSoon(const std::string& caption);
+    void viewDidAppear();
+
+    RootServices services_;
+    core::AppState& state_;
+    core::Context& context_;
+    std::unique_ptr<Popups> popups_;
+    std::unique_ptr<diary::ReferenceLists> lists_;
+    mainMenu* menu_;
+    // body and body2; `reg_` tells which is on top.
+    std::array<QWidget*, 2> holders_{};
+    int reg_ = 1;
+    std::array<QPointer<Tab>, 21> tabs_{};
+    int gCurTab_ = 0;
+    int gPage_ = 1;
+    int offset_ = 0;
+    QPointer<QVariantAnimation> slide_;
+
+    // A drag that may become a swipe: where it started, and whether it has.
+    std::optional<QPoint> pressAt_;
+    bool swiping_ = false;
+    int swipeStartOffset_ = 0;
+
+    TiltSensor* tilt_;
+    TiltNavigator tiltNavigator_;
+
+    QPointer<dic> setupForm_;
+    QPointer<background> background_;
+    bool appeared_ = false;
+};
+
+}  // namespace tilika::frame

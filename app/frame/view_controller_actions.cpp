@@ -1,0 +1,210 @@
+// What the rows of the main menu and the welcome page do.
+
+#include <QAbstractButton>
+#include <QFrame>
+#include <QTimer>
+
+#include "core/application.h"
+#include "core/context.h"
+#include "core/ids.h"
+#include "core/settings_keys.h"
+#include "diary/profile_form.h"
+#include "diary/profiles.h"
+#include "frame/background_screen.h"
+#include "frame/dic.h"
+#include "frame/main_menu.h"
+#include "frame/menu_blocks.h"
+#include "frame/popup_panels.h"
+#include "frame/popups.h"
+#include "frame/translation.h"
+#include "frame/view_controller.h"
+#include "platform/settings_store.h"
+
+namespace tilika::frame {
+
+namespace {
+
+// The tag of a message that needs no answer.
+constexpr int kNoAnswerTag = 2;
+
+}  // namespace
+
+dic* ViewController::setupForm() const {
+    return setupForm_;
+}
+
+background* ViewController::backgroundScreen() const {
+    return background_;
+}
+
+void ViewController::menuClick(const core::MenuRow& row) {
+    // A row half hidden under a page doesn't take taps.
+    if (gCurTab_ != 0) {
+        return;
+    }
+    switch (menuCommand(row.id)) {
+        case MenuCommand::openPage:
+            openTab(row.id, row.gid);
+            break;
+        case MenuCommand::childSettings:
+            setupShow(row.gid);
+            break;
+        default:
+            comingSoon(row.name);
+            break;
+    }
+}
+
+void ViewController::mainMenuClick(const core::MenuRow& row, bool checked) {
+    switch (menuCommand(row.id)) {
+        case MenuCommand::addChild:
+            setupShow(std::nullopt);
+            break;
+        case MenuCommand::background:
+            showBackgrounds();
+            break;
+        case MenuCommand::rateProgram:
+            if (!services_.application.gotoAppStore()) {
+                popups_->message(QString::fromStdString(translate(
+                                     state_, "Страница программы в магазине пока недоступна.")),
+                                 QString::fromStdString(row.comment), kNoAnswerTag, this);
+            }
+            break;
+        case MenuCommand::setting:
+            settingClick(row, checked);
+            break;
+        case MenuCommand::coming:
+            comingSoon(row.name.empty() ? row.comment : row.name);
+            break;
+        default:
+            break;
+    }
+}
+
+void ViewController::settingClick(const core::MenuRow& row, bool on) {
+    constexpr int kPasswordRow = 52;
+    if (row.id == kPasswordRow && on) {
+        // Switching the password on means setting one, and the lock that
+        // asks for it is not in the program yet: the switch goes back to
+        // what is stored.
+        popups_->message(
+            QString::fromStdString(translate(state_, "Пароль на вход в программу скоро появится.")),
+            QString::fromStdString(row.comment), kNoAnswerTag, this);
+        if (QAbstractButton* toggle = menu_->mainRow(kPasswordRow)) {
+            toggle->setChecked(menuSetting(context_.settings, kPasswordRow));
+        }
+        return;
+    }
+    changeMenuSetting(context_.settings, state_, row.id, on);
+    constexpr int kTiltRow = 53;
+    constexpr int kChatCountRow = 55;
+    if (row.id == kTiltRow) {
+        correctTilt();
+    } else if (row.id == kChatCountRow) {
+        QTimer::singleShot(1000, menu_, [this] { menu_->updateMenu(); });
+    }
+}
+
+void ViewController::setupShow(std::optional<std::string> gid) {
+    const diary::ProfileFormContent content =
+        diary::ProfileForm(context_, services_.images)
+            .setupDialog(gid ? std::optional<std::string_view>(*gid) : std::nullopt);
+    if (setupForm_ == nullptr) {
+        setupForm_ = new dic(
+            FormServices{state_, context_.dates, *popups_, services_.pictures, lists_.get()}, this);
+        setupForm_->setDocumentsOpener(
+            [this](const dic::DocumentsRequest& request, const auto& /*done*/) {
+                comingSoon(request.caption.toStdString());
+            });
+    }
+    setupForm_->setGid(gid.value_or(""));
+    setupForm_->prepare(content.rows, QString::fromStdString(translate(state_, content.caption)),
+                        this, this, content.parentFlag, {}, [this, gid](const FormAnswer& answer) {
+                            editDic(answer, gid.value_or(""));
+                        });
+}
+
+void ViewController::editDic(const FormAnswer& answer, const std::string& gid) {
+    const bool isNew = answer.parentFlag == diary::formflag::newChild;
+    const std::string guid = isNew ? core::newID() : gid;
+    if (guid.empty()) {
+        return;
+    }
+    diary::SetupRecord record =
+        diary::ProfileForm(context_, services_.images).setupArrayToDic(answer.rows, guid);
+    diary::Profiles(context_).saveSetupData(diary::saveflag::form, std::move(record), guid);
+    if (answer.rows.empty() && state_.activeGid == guid) {
+        state_.activeGid.reset();
+    } else if (isNew) {
+        // A child just added is the one the parent means to go on with.
+        state_.activeGid = guid;
+    }
+    state_.markAllPagesDirty();
+    state_.menuDirty = true;
+    // The parent has just pressed OK: the menu shows the change at once
+    // rather than at the next tick.
+    menu_->updateMenu();
+    if (isNew) {
+        menu_->showChild(guid);
+    }
+}
+
+void ViewController::showBackgrounds() {
+    if (background_ != nullptr) {
+        return;
+    }
+    background_ = new background(
+        QString::fromStdString(translate(state_, "Фон программы")), backgroundItems(), state_,
+        services_.pictures, [this](long long id) { changeBackground(id); }, this);
+    background_->setGeometry(rect());
+    background_->show();
+    background_->raise();
+    background_->setFocus();
+}
+
+void ViewController::changeBackground(long long id) {
+    frame::changeBackground(state_, context_.settings, id);
+    menu_->updateMenu();
+}
+
+void ViewController::comingSoon(const std::string& caption) {
+    popups_->message(
+        QString::fromStdString(translate(state_, "Этот раздел скоро появится в программе.")),
+        QString::fromStdString(translate(state_, caption)), kNoAnswerTag, this);
+}
+
+void ViewController::viewDidAppear() {
+    platform::SettingsStore& settings = context_.settings;
+    if (!firstStartDue(settings, state_.versionKey)) {
+        return;
+    }
+    // A first run with fresh data has closed "FirstStart"; on data from an
+    // earlier version it is still open, and the page greets a new version.
+    const bool newversion = settings.helpCheck(core::keys::firstStart);
+    popups_->firstStart(
+        this, [this](int tag) { newVersion(tag); }, newversion);
+    firstStartDone(settings, state_.versionKey);
+}
+
+void ViewController::newVersion(int tag) {
+    switch (tag) {
+        case 1:
+            comingSoon("Что нового");
+            break;
+        case 2:
+            comingSoon("О программе");
+            break;
+        case 3:
+            state_.activeGid.reset();
+            menu_->realignMenu(false);
+            setupShow(std::nullopt);
+            break;
+        case 4:
+            comingSoon("Облако");
+            break;
+        default:
+            break;
+    }
+}
+
+}  // namespace tilika::frame

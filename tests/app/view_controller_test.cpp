@@ -1,0 +1,338 @@
+#include "frame/view_controller.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QDir>
+#include <QFrame>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QMouseEvent>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <QtTest>
+
+#include "core/application.h"
+#include "core/ids.h"
+#include "core/settings_keys.h"
+#include "diary/profiles.h"
+#include "frame/background_screen.h"
+#include "frame/dic.h"
+#include "frame/look.h"
+#include "frame/main_menu.h"
+#include "frame/menu_blocks.h"
+#include "frame/menu_views.h"
+#include "frame/popup_panels.h"
+#include "frame/session.h"
+#include "frame/tab.h"
+#include "frame/tilt_sensor.h"
+#include "platform/clock.h"
+#include "platform/settings_store.h"
+
+using namespace tilika;
+
+class ViewControllerTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init() { dir_ = std::make_unique<QTemporaryDir>(); }
+
+    void cleanup() {
+        session_.reset();
+        dir_.reset();
+    }
+
+    void firstStartGreetsOnceAndLeadsToTheChildsSettings() {
+        launch();
+        QFrame* welcome = nullptr;
+        QTRY_VERIFY((welcome = root_->findChild<QFrame*>(QStringLiteral("firstStart"))));
+        QStringList texts;
+        for (QLabel* label : welcome->findChildren<QLabel*>()) {
+            texts << label->text();
+        }
+        QVERIFY(texts.contains(QStringLiteral("Добро пожаловать в программу")));
+        buttonWithText(welcome, QStringLiteral("Настройки"))->click();
+        QVERIFY(root_->setupForm() != nullptr && root_->setupForm()->isOpen());
+        QVERIFY(!state().activeGid);
+
+        // The version has greeted; the next start goes straight to the menu.
+        relaunch();
+        QCoreApplication::processEvents();
+        QCoreApplication::processEvents();
+        QVERIFY(root_->findChild<QFrame*>(QStringLiteral("firstStart")) == nullptr);
+        QVERIFY(root_->menuTab()->isVisible());
+    }
+
+    void anAddedChildGetsItsOpenBlock() {
+        launchPastWelcome();
+        const std::size_t before = menu()->childBlocks().size();
+        menu()->mainRow(31)->click();
+        frame::dic* form = root_->setupForm();
+        QVERIFY(form != nullptr && form->isOpen());
+        const std::size_t nameRow = form->posByField("name");
+        auto* name = widgetWithTag<QLineEdit>(form, static_cast<int>(nameRow));
+        QVERIFY(name != nullptr);
+        name->setText(QStringLiteral("Маша"));
+        form->closeOk();
+
+        QCOMPARE(menu()->childBlocks().size(), before + 1);
+        frame::menu::ChildBlockView* masha = blockNamed(QStringLiteral("Маша"));
+        QVERIFY(masha != nullptr);
+        QCOMPARE(state().activeGid, std::optional(masha->guid()));
+        QTRY_COMPARE(masha->height(), frame::blockHeight(true, masha->rowViews().size()));
+        save(root_->grab(), "menu_phone.png");
+
+        // A tablet-sized window scales the layout and keeps the menu a column.
+        root_->resize(768, 1024);
+        QTRY_COMPARE(state().scaleX, 768.0 / 320.0);
+        QCOMPARE(state().scaleY, 1024.0 / 480.0);
+        QVERIFY(masha->width() <= 560);
+        save(root_->grab(), "menu_tablet.png");
+
+        // Its settings open its own form; the other child's block closes.
+        masha->rowViews().back()->click();
+        QVERIFY(form->isOpen());
+        QCOMPARE(name->text(), QStringLiteral("Маша"));
+        form->closeForm();
+        masha->circle()->click();
+        QVERIFY(!state().activeGid);
+        QTRY_COMPARE(masha->height(), frame::kClosedBlockHeight);
+    }
+
+    void settingSwitchesKeepTheirKeys() {
+        launchPastWelcome();
+        platform::SettingsStore& settings = session_->application().context().settings;
+        QAbstractButton* tilt = menu()->mainRow(53);
+        QVERIFY(tilt != nullptr && !tilt->isChecked());
+        tilt->click();
+        QVERIFY(settings.boolValue(core::keys::accelerate));
+        QVERIFY(state().accelerate);
+        // There is no accelerometer here, and nothing else happens.
+        QVERIFY(!root_->tiltSensor()->isActive());
+
+        menu()->mainRow(51)->click();
+        QVERIFY(settings.boolValue(core::keys::emptyNote));
+        QVERIFY(menu()->mainRow(56)->isChecked());  // on unless turned off
+        menu()->mainRow(56)->click();
+        QVERIFY(!settings.boolValue(core::keys::showRec));
+
+        // A password can't be set yet: the switch says so and stays off.
+        QAbstractButton* pass = menu()->mainRow(52);
+        pass->click();
+        QVERIFY(!pass->isChecked());
+        QVERIFY(!settings.boolValue(core::keys::pass));
+        QMessageBox* box = root_->findChild<QMessageBox*>();
+        QVERIFY(box != nullptr);
+        box->close();
+
+        relaunch();
+        QVERIFY(menu()->mainRow(53)->isChecked());
+        QVERIFY(menu()->mainRow(51)->isChecked());
+        QVERIFY(!menu()->mainRow(56)->isChecked());
+    }
+
+    void pagesFollowInOrderAndSwipeBackToTheMenu() {
+        launchPastWelcome();
+        root_->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(root_));
+        frame::menu::ChildBlockView* block = menu()->childBlocks().front();
+        block->circle()->click();
+        QCOMPARE(state().activeGid, std::optional(block->guid()));
+        block->rowViews().front()->click();
+        QCOMPARE(root_->gCurTab(), 1);
+        QCOMPARE(root_->topHolder()->findChild<frame::Tab*>()->objectName(),
+                 QStringLiteral("passportTab"));
+        // The next page waits under it.
+        QCOMPARE(root_->underHolder()->findChild<frame::Tab*>()->pageId(), 2);
+        QTRY_VERIFY(!root_->isSliding());
+        auto* soon = root_->topHolder()->findChild<QLabel*>(QStringLiteral("soon"));
+        QCOMPARE(soon->text(), QStringLiteral("Этот раздел скоро появится в программе."));
+        save(root_->grab(), "page_coming.png");
+
+        swipe(-150);
+        QTRY_COMPARE(root_->gCurTab(), 2);
+        QTRY_VERIFY(!root_->isSliding());
+        QTest::keyClick(currentPage(), Qt::Key_Right);
+        QTRY_COMPARE(root_->gCurTab(), 3);
+        QTRY_VERIFY(!root_->isSliding());
+
+        // A short drag puts the page back.
+        swipe(-60);
+        QTRY_VERIFY(!root_->isSliding());
+        QCOMPARE(root_->topHolder()->x(), 0);
+        QCOMPARE(root_->gCurTab(), 3);
+
+        // Nothing moves under a popup.
+        root_->popups().popupMenu(QStringLiteral("Редактировать<td>pm-edit.png"), root_, {}, {});
+        QVERIFY(state().popupShown);
+        swipe(-150);
+        QTest::keyClick(currentPage(), Qt::Key_Right);
+        QCOMPARE(root_->gCurTab(), 3);
+        root_->popups().ppCancel();
+        QTRY_VERIFY(!state().popupShown);
+
+        // The diary's row is the last page, and the first follows it.
+        root_->openTab(9, block->guid());
+        QCOMPARE(root_->gPage(), state().pageCount);
+        QTest::keyClick(currentPage(), Qt::Key_Right);
+        QTRY_COMPARE(root_->gCurTab(), 1);
+        QTRY_VERIFY(!root_->isSliding());
+
+        // A tilt moves once, and again only after coming back to level.
+        state().accelerate = true;
+        frame::TiltSensor* tilt = root_->tiltSensor();
+        emit tilt->tilted(-0.7, false);
+        QTRY_COMPARE(root_->gCurTab(), 2);
+        QTRY_VERIFY(!root_->isSliding());
+        emit tilt->tilted(-0.7, false);
+        QTest::qWait(50);
+        QCOMPARE(root_->gCurTab(), 2);
+
+        swipe(150);
+        QTRY_COMPARE(root_->gCurTab(), 0);
+        QTRY_VERIFY(!root_->topHolder()->isVisible());
+        QCOMPARE(menu()->x(), 0);
+    }
+
+    void aDirtyMenuIsRedrawnOnTheNextTick() {
+        launchPastWelcome();
+        QTimer* tick = menu()->menuTimer();
+        QCOMPARE(tick->interval(), 5000);
+        QVERIFY(tick->isActive());
+
+        diary::Profiles profiles(session_->application().context());
+        const std::string gid = core::newID();
+        diary::SetupRecord record = profiles.loadSetupData(gid);
+        record.name = "Петя";
+        profiles.saveSetupData(diary::saveflag::cloud, record, gid);
+        const std::size_t before = menu()->childBlocks().size();
+
+        QMetaObject::invokeMethod(tick, "timeout");
+        QCOMPARE(menu()->childBlocks().size(), before);  // nothing said it changed
+        state().menuDirty = true;
+        QMetaObject::invokeMethod(tick, "timeout");
+        QCOMPARE(menu()->childBlocks().size(), before + 1);
+        QVERIFY(blockNamed(QStringLiteral("Петя")) != nullptr);
+        QVERIFY(!state().menuDirty);
+    }
+
+    void theChosenBackgroundStays() {
+        launchPastWelcome();
+        menu()->mainRow(42)->click();
+        frame::background* chooser = root_->backgroundScreen();
+        QVERIFY(chooser != nullptr && chooser->isVisible());
+        state().pageDirty.fill(false);
+        chooser->item(1)->click();
+        QCOMPARE(state().backgroundId, 1LL);
+        QVERIFY(state().lightTheme);
+        QVERIFY(state().pageDirty[1]);
+        auto* backdrop =
+            static_cast<frame::BackdropView*>(frame::childWithTag(menu(), frame::kBackdropTag));
+        QCOMPARE(backdrop->picture(), std::string("bg640-1.png"));
+        save(root_->grab(), "background_chooser.png");
+        QTest::keyClick(chooser, Qt::Key_Escape);
+        QTRY_VERIFY(root_->backgroundScreen() == nullptr);
+
+        relaunch();
+        QCOMPARE(state().backgroundId, 1LL);
+    }
+
+    void sectionsNotYetBuiltSaySo() {
+        launchPastWelcome();
+        menu()->mainRow(40)->click();
+        QMessageBox* box = root_->findChild<QMessageBox*>();
+        QVERIFY(box != nullptr);
+        QCOMPARE(box->text(), QStringLiteral("Этот раздел скоро появится в программе."));
+        box->close();
+    }
+
+private:
+    void launch() {
+        session_ = std::make_unique<frame::Session>(clock_, dir_->path().toStdString(),
+                                                    TILIKA_TEST_RESOURCE_DIR);
+        QCOMPARE(session_->start(), frame::Session::StartResult::Started);
+        root_ = qobject_cast<frame::ViewController*>(session_->rootWindow());
+        QVERIFY(root_ != nullptr);
+        QVERIFY(QTest::qWaitForWindowExposed(root_));
+    }
+
+    void launchPastWelcome() {
+        launch();
+        QFrame* welcome = nullptr;
+        QTRY_VERIFY((welcome = root_->findChild<QFrame*>(QStringLiteral("firstStart"))));
+        welcome->findChild<QPushButton*>(QStringLiteral("start"))->click();
+        QTRY_VERIFY(root_->findChild<QFrame*>(QStringLiteral("firstStart")) == nullptr);
+    }
+
+    void relaunch() {
+        session_.reset();
+        launch();
+    }
+
+    core::AppState& state() { return session_->application().state(); }
+    frame::mainMenu* menu() { return root_->menuTab(); }
+    QWidget* currentPage() { return root_->topHolder()->findChild<frame::Tab*>(); }
+
+    frame::menu::ChildBlockView* blockNamed(const QString& name) {
+        for (frame::menu::ChildBlockView* block : menu()->childBlocks()) {
+            if (block->findChild<QLabel*>(QStringLiteral("name"))->text() == name) {
+                return block;
+            }
+        }
+        return nullptr;
+    }
+
+    template <class T>
+    static T* widgetWithTag(QWidget* parent, int wanted) {
+        for (T* widget : parent->findChildren<T*>()) {
+            if (frame::tag(widget) == wanted) {
+                return widget;
+            }
+        }
+        return nullptr;
+    }
+
+    static QAbstractButton* buttonWithText(QWidget* parent, const QString& text) {
+        for (QAbstractButton* button : parent->findChildren<QAbstractButton*>()) {
+            if (button->text() == text) {
+                return button;
+            }
+        }
+        return nullptr;
+    }
+
+    // A finger dragged sideways across the page on top.
+    void swipe(int dx) {
+        QWidget* target = currentPage();
+        const QPoint start = target->rect().center();
+        // The page moves under the finger; the finger's place on the screen
+        // is what counts.
+        const QPoint screenStart = target->mapToGlobal(start);
+        const auto send = [&](QEvent::Type type, QPoint at, Qt::MouseButton button,
+                              Qt::MouseButtons buttons) {
+            QMouseEvent event(type, QPointF(at), QPointF(screenStart + at - start), button, buttons,
+                              Qt::NoModifier);
+            QApplication::sendEvent(target, &event);
+        };
+        send(QEvent::MouseButtonPress, start, Qt::LeftButton, Qt::LeftButton);
+        for (int step = 1; step <= 5; ++step) {
+            send(QEvent::MouseMove, start + QPoint(dx * step / 5, 0), Qt::NoButton, Qt::LeftButton);
+        }
+        send(QEvent::MouseButtonRelease, start + QPoint(dx, 0), Qt::LeftButton, Qt::NoButton);
+    }
+
+    static void save(const QPixmap& shot, const char* name) {
+        QDir().mkpath(QStringLiteral(TILIKA_SCREENSHOT_DIR));
+        shot.save(QStringLiteral(TILIKA_SCREENSHOT_DIR "/") + QString::fromLatin1(name));
+    }
+
+    platform::ManualClock clock_{core::Date(std::chrono::milliseconds(1795338000000)),
+                                 "Europe/Moscow"};
+    std::unique_ptr<QTemporaryDir> dir_;
+    std::unique_ptr<frame::Session> session_;
+    frame::ViewController* root_ = nullptr;
+};
+
+QTEST_MAIN(ViewControllerTest)
+#include "view_controller_test.moc"
