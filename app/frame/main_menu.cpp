@@ -163,6 +163,7 @@ void mainMenu::addCommonRows(QVBoxLayout* column) {
         if (menuSettingKey(row.id)) {
             row.checked = menuSetting(context_.settings, row.id);
         }
+        row.hint = menuCounter(context_.settings, state, row.id);
         rowList_.push_back(row);
         // Every shared row answers with itself; a switch with its new state.
         const auto answer = [this, row](QAbstractButton* view) {

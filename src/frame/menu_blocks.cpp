@@ -1,13 +1,16 @@
 #include "frame/menu_blocks.h"
 
 #include <algorithm>
+#include <charconv>
 #include <system_error>
 
 #include "core/app_state.h"
 #include "core/context.h"
 #include "core/dates.h"
+#include "core/settings_keys.h"
 #include "diary/profiles.h"
 #include "frame/navigation.h"
+#include "platform/settings_store.h"
 
 namespace tilika::frame {
 
@@ -61,6 +64,56 @@ std::vector<core::MenuRow> commonRows(const std::vector<core::MenuRow>& table) {
     std::copy_if(table.begin(), table.end(), std::back_inserter(rows),
                  [](const core::MenuRow& row) { return row.gid == core::kMenuMain; });
     return rows;
+}
+
+namespace {
+
+constexpr int kMostCounted = 99;
+
+int nb99(long long count) {
+    return static_cast<int>(std::clamp<long long>(count, 0, kMostCounted));
+}
+
+// A count as the server's replies leave it: a number, or a number as text.
+long long countOf(const nlohmann::json& value) {
+    if (value.is_number_integer()) {
+        return value.get<long long>();
+    }
+    if (value.is_string()) {
+        const std::string& text = value.get_ref<const std::string&>();
+        long long count = 0;
+        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), count);
+        return error == std::errc() ? count : 0;
+    }
+    return 0;
+}
+
+}  // namespace
+
+int menuCounter(const platform::SettingsStore& settings, const core::AppState& state, int rowId) {
+    switch (rowId) {
+        case 32: {
+            const auto unread = settings.value(core::keys::chatmessages);
+            if (!state.chatIndi || !unread || !unread->is_array()) {
+                return 0;
+            }
+            long long sum = 0;
+            for (const nlohmann::json& entry : *unread) {
+                if (entry.is_object() && entry.contains("count")) {
+                    sum += std::max(0LL, countOf(entry["count"]));
+                }
+            }
+            return nb99(sum);
+        }
+        case 34:
+            return nb99(state.newscount);
+        case 45:
+            return nb99(settings.contains(core::keys::oproscount)
+                            ? settings.intValue(core::keys::oproscount)
+                            : 0);
+        default:
+            return 0;
+    }
 }
 
 int blockHeight(bool open, std::size_t rowCount) {

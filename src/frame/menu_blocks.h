@@ -7,7 +7,11 @@
 #include "core/menu_rows.h"
 
 namespace tilika::core {
+struct AppState;
 struct Context;
+}  // namespace tilika::core
+namespace tilika::platform {
+class SettingsStore;
 }
 
 // What the main menu shows, apart from the drawing: a block for each child
@@ -40,6 +44,11 @@ std::vector<core::MenuRow> childRows(const std::vector<core::MenuRow>& table,
                                      const std::string& gid);
 // The rows drawn once, below the children.
 std::vector<core::MenuRow> commonRows(const std::vector<core::MenuRow>& table);
+
+// The count on a shared row's badge, at most 99; 0 for none. The knowledge
+// base counts the chat messages not yet read (unless that count is turned
+// off), Support the news, and Polls the polls not yet answered.
+int menuCounter(const platform::SettingsStore& settings, const core::AppState& state, int rowId);
 
 // A closed block is a fixed height; an open one grows by a row's height for
 // each of its rows.

@@ -208,6 +208,8 @@ private slots:
         profiles.saveSetupData(diary::saveflag::cloud, record, gid);
         const std::size_t before = menu()->childBlocks().size();
 
+        session_->application().context().settings.setInt(core::keys::oproscount, 3);
+
         QMetaObject::invokeMethod(tick, "timeout");
         QCOMPARE(menu()->childBlocks().size(), before);  // nothing said it changed
         state().menuDirty = true;
@@ -215,6 +217,9 @@ private slots:
         QCOMPARE(menu()->childBlocks().size(), before + 1);
         QVERIFY(blockNamed(QStringLiteral("Петя")) != nullptr);
         QVERIFY(!state().menuDirty);
+        // The polls not yet answered show on their row's badge.
+        auto* polls = qobject_cast<frame::menu::RowView*>(menu()->mainRow(45));
+        QCOMPARE(polls->badgeText(), QStringLiteral("3"));
     }
 
     void theChosenBackgroundStays() {

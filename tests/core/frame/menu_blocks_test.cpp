@@ -5,6 +5,7 @@
 #include <fstream>
 
 #include "core/ids.h"
+#include "core/settings_keys.h"
 #include "diary/profiles.h"
 #include "support/core_fixture.h"
 
@@ -96,6 +97,29 @@ TEST_F(MenuBlocksTest, TheTableDecidesPagesRowsAndHeights) {
     EXPECT_EQ(menuCommand(21), MenuCommand::coming);
     EXPECT_EQ(menuCommand(40), MenuCommand::coming);
     EXPECT_EQ(menuCommand(0), MenuCommand::none);
+}
+
+TEST_F(MenuBlocksTest, BadgesCountWhatIsNewUpToNinetyNine) {
+    EXPECT_EQ(menuCounter(settings, state, 32), 0);  // nothing stored yet
+    EXPECT_EQ(menuCounter(settings, state, 45), 0);
+
+    settings.setValue(core::keys::chatmessages,
+                      nlohmann::json::array({{{"group", 3}, {"name", "Сон"}, {"count", 4}},
+                                             {{"group", 7}, {"name", "Еда"}, {"count", "2"}},
+                                             {{"group", 9}, {"name", "Без числа"}}}));
+    EXPECT_EQ(menuCounter(settings, state, 32), 6);
+    state.chatIndi = false;  // the chat count is turned off
+    EXPECT_EQ(menuCounter(settings, state, 32), 0);
+
+    state.newscount = 150;
+    EXPECT_EQ(menuCounter(settings, state, 34), 99);
+    settings.setInt(core::keys::oproscount, 2);
+    EXPECT_EQ(menuCounter(settings, state, 45), 2);
+    EXPECT_EQ(menuCounter(settings, state, 40), 0);
+
+    settings.setValue(core::keys::chatmessages, "broken");
+    state.chatIndi = true;
+    EXPECT_EQ(menuCounter(settings, state, 32), 0);
 }
 
 }  // namespace
