@@ -139,6 +139,12 @@ void mainMenu::updateMenu() {
     addCommonRows(column);
     column->addStretch(1);
 
+    // The old menu may be what is being clicked right now: it goes once the
+    // event loop is back, not here.
+    if (QWidget* old = scroll_->takeWidget()) {
+        old->hide();
+        old->deleteLater();
+    }
     scroll_->setWidget(content);
     content_ = content;
     realignMenu(false);

@@ -422,10 +422,9 @@ void ViewController::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
     core::applyScreenSize(
         state_, platform::ScreenSize{static_cast<double>(width()), static_cast<double>(height())});
-    if (gCurTab_ == 0) {
-        setOffset(width());
-    } else {
-        setOffset(0);
+    setOffset(gCurTab_ == 0 ? width() : 0);
+    if (background_ != nullptr) {
+        background_->setGeometry(rect());
     }
     for (QWidget* holder : holders_) {
         for (QObject* child : holder->children()) {
