@@ -199,6 +199,11 @@ void ViewController::setActivePage(int position, Entrance entrance) {
     }
     underHolder()->raise();
     topHolder()->raise();
+    // Enter or space must not reach a menu row hidden under the page.
+    if (QWidget* focus = QApplication::focusWidget();
+        focus != nullptr && menu_->isAncestorOf(focus)) {
+        setFocus();
+    }
 
     if (slide_ != nullptr) {
         slide_->stop();
@@ -289,16 +294,21 @@ bool ViewController::eventFilter(QObject* watched, QEvent* event) {
         return false;
     }
     auto* widget = qobject_cast<QWidget*>(watched);
-    if (widget == nullptr || !topHolder()->isAncestorOf(widget)) {
+    if (widget == nullptr) {
         return false;
     }
     if (type == QEvent::KeyPress) {
+        // Keys go to whatever has the focus in this window, which may be the
+        // menu row that opened the page; text fields keep their arrows.
         const int key = static_cast<QKeyEvent*>(event)->key();
-        // Text fields keep their arrows.
-        if (editsText(widget) && key != Qt::Key_Escape) {
+        if ((widget != this && !isAncestorOf(widget)) ||
+            (editsText(widget) && key != Qt::Key_Escape)) {
             return false;
         }
         return handleNavigationKey(key);
+    }
+    if (!topHolder()->isAncestorOf(widget)) {
+        return false;
     }
     auto* mouse = static_cast<QMouseEvent*>(event);
     const QPoint global = mouse->globalPosition().toPoint();

@@ -139,7 +139,8 @@ private slots:
         frame::menu::ChildBlockView* block = menu()->childBlocks().front();
         block->circle()->click();
         QCOMPARE(state().activeGid, std::optional(block->guid()));
-        block->rowViews().front()->click();
+        block->rowViews().front()->setFocus();
+        QTest::keyClick(block->rowViews().front(), Qt::Key_Space);
         QCOMPARE(root_->gCurTab(), 1);
         QCOMPARE(root_->topHolder()->findChild<frame::Tab*>()->objectName(),
                  QStringLiteral("passportTab"));
@@ -153,7 +154,8 @@ private slots:
         swipe(-150);
         QTRY_COMPARE(root_->gCurTab(), 2);
         QTRY_VERIFY(!root_->isSliding());
-        QTest::keyClick(currentPage(), Qt::Key_Right);
+        // The key goes wherever the focus is in the window.
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Right);
         QTRY_COMPARE(root_->gCurTab(), 3);
         QTRY_VERIFY(!root_->isSliding());
 
