@@ -11,6 +11,7 @@
 
 #include "core/app_state.h"
 #include "core/context.h"
+#include "core/dates.h"
 #include "frame/look.h"
 #include "frame/menu_blocks.h"
 #include "frame/menu_views.h"
@@ -87,9 +88,14 @@ void mainMenu::onTick() {
     }
 }
 
+bool mainMenu::isStale() const {
+    return builtOn_ != context_.dates.dateToString(context_.dates.now(), "yyyy-MM-dd");
+}
+
 void mainMenu::updateMenu() {
     core::AppState& state = context_.state;
     state.menuDirty = false;
+    builtOn_ = context_.dates.dateToString(context_.dates.now(), "yyyy-MM-dd");
     rowList_.clear();
     correctBackground(this, false, state, pictures_);
     const menu::Look look = lookOf(state);
@@ -143,6 +149,7 @@ void mainMenu::updateMenu() {
     // event loop is back, not here.
     if (QWidget* old = scroll_->takeWidget()) {
         old->hide();
+        old->setParent(this);
         old->deleteLater();
     }
     scroll_->setWidget(content);
@@ -230,9 +237,20 @@ void mainMenu::addCommonRows(QVBoxLayout* column) {
 void mainMenu::realignMenu(bool animated) {
     const std::optional<std::string>& selected = context_.state.activeGid;
     for (menu::ChildBlockView* block : childBlocks()) {
-        const int target = blockHeight(selected == block->guid(), block->rowViews().size());
+        const bool open = selected == block->guid();
+        const int target = blockHeight(open, block->rowViews().size());
+        // A closed block's rows are out of reach, for the keyboard too; they
+        // go once the block has closed over them.
+        if (open) {
+            block->setRowsShown(true);
+        }
+        // A second tap while the block moves takes over from the first.
+        if (auto* running = block->findChild<QVariantAnimation*>()) {
+            running->stop();
+        }
         if (!animated || block->height() == target) {
             block->setFixedHeight(target);
+            block->setRowsShown(open);
             continue;
         }
         auto* animation = new QVariantAnimation(block);
@@ -242,10 +260,12 @@ void mainMenu::realignMenu(bool animated) {
         animation->setEndValue(target);
         connect(animation, &QVariantAnimation::valueChanged, block,
                 [block](const QVariant& value) { block->setFixedHeight(value.toInt()); });
-        if (target > block->height()) {
-            connect(animation, &QVariantAnimation::finished, this,
-                    [this, block] { scrollTo(block); });
-        }
+        connect(animation, &QVariantAnimation::finished, this, [this, block, open] {
+            block->setRowsShown(open);
+            if (open) {
+                scrollTo(block);
+            }
+        });
         animation->start(QAbstractAnimation::DeleteWhenStopped);
     }
     relayout();

@@ -57,6 +57,9 @@ public:
     // Scrolls the child's block into view.
     void showChild(const std::string& gid);
 
+    // Whether the menu was drawn on an earlier day than today.
+    bool isStale() const;
+
     // The rows as drawn, each child's with its guid.
     const std::vector<core::MenuRow>& rowList() const { return rowList_; }
     // The child's block, or nothing.
@@ -80,6 +83,7 @@ private:
     QPointer<QWidget> content_;
     QTimer* timer_;
     std::vector<core::MenuRow> rowList_;
+    std::string builtOn_;
 };
 
 }  // namespace tilika::frame

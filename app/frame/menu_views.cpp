@@ -263,8 +263,15 @@ ChildBlockView::ChildBlockView(const ChildBlock& block, const platform::QtPictur
         view->setObjectName(QStringLiteral("row-%1").arg(row.id));
         rows_.push_back(view);
     }
-    // Closed until the menu opens it; what lies below the upper part is cut.
+    // Closed until the menu opens it.
     setFixedHeight(blockHeight(false, rows_.size()));
+    setRowsShown(false);
+}
+
+void ChildBlockView::setRowsShown(bool shown) {
+    for (QAbstractButton* row : rows_) {
+        row->setVisible(shown);
+    }
 }
 
 void ChildBlockView::paintEvent(QPaintEvent* /*event*/) {

@@ -96,6 +96,7 @@ public:
     QAbstractButton* circle() const { return circle_; }
     // The views of the child's rows, in order.
     const std::vector<QAbstractButton*>& rowViews() const { return rows_; }
+    void setRowsShown(bool shown);
 
 protected:
     void paintEvent(QPaintEvent* event) override;

@@ -53,6 +53,10 @@ void Session::onApplicationStateChanged(Qt::ApplicationState state) {
             if (!active_) {
                 active_ = true;
                 application_.didBecomeActive();
+                // The screen shows what the program's own activation changed.
+                if (auto* root = qobject_cast<ViewController*>(rootWindow())) {
+                    root->becomeActive();
+                }
             }
             break;
         case Qt::ApplicationInactive:

@@ -1,13 +1,17 @@
 #include "frame/view_controller.h"
 
 #include <QAbstractButton>
+#include <QAbstractItemView>
+#include <QAbstractSlider>
 #include <QAbstractSpinBox>
 #include <QApplication>
+#include <QComboBox>
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QPlainTextEdit>
+#include <QTabBar>
 #include <QTextEdit>
 #include <QTimer>
 #include <QVariantAnimation>
@@ -41,11 +45,32 @@ constexpr std::array<const char*, 11> kTabNames = {
     "",         "passportTab", "indayTab",  "titleTab", "babyTab", "playTab",
     "toothTab", "kormTab",     "doctorTab", "noteTab",  "planeTab"};
 
-bool editsText(const QObject* object) {
-    return qobject_cast<const QLineEdit*>(object) != nullptr ||
-           qobject_cast<const QTextEdit*>(object) != nullptr ||
-           qobject_cast<const QPlainTextEdit*>(object) != nullptr ||
-           qobject_cast<const QAbstractSpinBox*>(object) != nullptr;
+bool editsText(const QWidget* widget) {
+    return qobject_cast<const QLineEdit*>(widget) != nullptr ||
+           qobject_cast<const QTextEdit*>(widget) != nullptr ||
+           qobject_cast<const QPlainTextEdit*>(widget) != nullptr ||
+           qobject_cast<const QAbstractSpinBox*>(widget) != nullptr;
+}
+
+// Controls whose own keys are the arrows (and Escape, for the text ones).
+bool usesArrows(const QWidget* widget) {
+    return editsText(widget) || qobject_cast<const QComboBox*>(widget) != nullptr ||
+           qobject_cast<const QAbstractSlider*>(widget) != nullptr ||
+           qobject_cast<const QAbstractItemView*>(widget) != nullptr ||
+           qobject_cast<const QTabBar*>(widget) != nullptr;
+}
+
+// Controls that a sideways drag works, inside a text view's viewport too.
+bool usesDrags(const QWidget* widget) {
+    for (const QWidget* w = widget; w != nullptr; w = w->parentWidget()) {
+        if (editsText(w) || qobject_cast<const QAbstractSlider*>(w) != nullptr) {
+            return true;
+        }
+        if (w->isWindow()) {
+            break;
+        }
+    }
+    return false;
 }
 
 }  // namespace
@@ -81,16 +106,13 @@ ViewController::ViewController(RootServices services, QWidget* parent)
     // Swipes start on any widget of a page, and the arrow keys work whatever
     // on the page has the focus, so both are watched for the whole program.
     qApp->installEventFilter(this);
-    connect(qGuiApp, &QGuiApplication::applicationStateChanged, this,
-            [this](Qt::ApplicationState state) {
-                if (state == Qt::ApplicationActive) {
-                    becomeActive();
-                }
-            });
 }
 
 ViewController::~ViewController() {
     qApp->removeEventFilter(this);
+    // The forms, pages and dialogs hold the popups and the lists, which are
+    // members and would go first.
+    qDeleteAll(findChildren<QWidget*>(Qt::FindDirectChildrenOnly));
 }
 
 // ---- pages ----
@@ -176,8 +198,8 @@ void ViewController::setActivePage(int position, Entrance entrance) {
         reg_ = reg_ == 1 ? 2 : 1;
     }
     for (QWidget* holder : holders_) {
-        for (QObject* child : holder->children()) {
-            if (auto* widget = qobject_cast<QWidget*>(child); widget != page && widget != next) {
+        for (QWidget* widget : holder->findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
+            if (widget != page && widget != next) {
                 widget->hide();
                 widget->setParent(this);
             }
@@ -227,6 +249,8 @@ void ViewController::setOffset(int offset) {
     // The menu shows from under the page at a quarter of its pace.
     const int menuShift = offset > 0 ? -(w - offset) / 4 : -w / 4;
     menu_->setGeometry(menuShift, 0, w, height());
+    // A menu wholly under a page takes neither taps nor the focus.
+    menu_->setVisible(gCurTab_ == 0 || offset > 0);
 }
 
 void ViewController::animateOffset(int to, int durationMs, std::function<void()> done) {
@@ -282,9 +306,13 @@ bool ViewController::isSliding() const {
     return slide_ != nullptr && slide_->state() == QAbstractAnimation::Running;
 }
 
-bool ViewController::canMove() const {
-    return gCurTab_ != 0 && !state_.popupShown && state_.openForms == 0 && background_ == nullptr &&
+bool ViewController::nothingOver() const {
+    return !state_.popupShown && state_.openForms == 0 && background_ == nullptr &&
            QApplication::activeModalWidget() == nullptr && isActiveWindow();
+}
+
+bool ViewController::canMove() const {
+    return gCurTab_ != 0 && nothingOver();
 }
 
 bool ViewController::eventFilter(QObject* watched, QEvent* event) {
@@ -294,18 +322,17 @@ bool ViewController::eventFilter(QObject* watched, QEvent* event) {
         return false;
     }
     auto* widget = qobject_cast<QWidget*>(watched);
-    if (widget == nullptr) {
+    if (widget == nullptr || cancellingPress_) {
         return false;
     }
     if (type == QEvent::KeyPress) {
         // Keys go to whatever has the focus in this window, which may be the
-        // menu row that opened the page; text fields keep their arrows.
-        const int key = static_cast<QKeyEvent*>(event)->key();
-        if ((widget != this && !isAncestorOf(widget)) ||
-            (editsText(widget) && key != Qt::Key_Escape)) {
+        // menu row that opened the page; controls that move with the arrows
+        // keep them.
+        if ((widget != this && !isAncestorOf(widget)) || usesArrows(widget)) {
             return false;
         }
-        return handleNavigationKey(key);
+        return handleNavigationKey(*static_cast<QKeyEvent*>(event));
     }
     if (!topHolder()->isAncestorOf(widget)) {
         return false;
@@ -314,15 +341,20 @@ bool ViewController::eventFilter(QObject* watched, QEvent* event) {
     const QPoint global = mouse->globalPosition().toPoint();
     switch (type) {
         case QEvent::MouseButtonPress:
-            if (mouse->button() == Qt::BackButton && canMove()) {
+            if (mouse->button() == Qt::BackButton && canMove() && !isSliding()) {
                 gotoMenu();
                 return true;
             }
-            if (mouse->button() == Qt::ForwardButton && canMove()) {
+            if (mouse->button() == Qt::ForwardButton && canMove() && !isSliding()) {
                 gotoNextPage();
                 return true;
             }
-            pressAt_ = mouse->button() == Qt::LeftButton ? std::optional(global) : std::nullopt;
+            // Dragging across a text, a slider or a scroll bar is their own.
+            pressAt_.reset();
+            if (mouse->button() == Qt::LeftButton && !usesDrags(widget)) {
+                pressAt_ = global;
+                pressed_ = widget;
+            }
             swiping_ = false;
             return false;
         case QEvent::MouseMove:
@@ -337,12 +369,7 @@ bool ViewController::eventFilter(QObject* watched, QEvent* event) {
                 }
                 swiping_ = true;
                 swipeStartOffset_ = offset_;
-                // The press that began the swipe taps nothing.
-                for (QWidget* w = widget; w != nullptr && w != this; w = w->parentWidget()) {
-                    if (auto* button = qobject_cast<QAbstractButton*>(w)) {
-                        button->setDown(false);
-                    }
-                }
+                cancelPress(global);
             }
             swipeMove(global);
             return true;
@@ -358,6 +385,21 @@ bool ViewController::eventFilter(QObject* watched, QEvent* event) {
         default:
             return false;
     }
+}
+
+void ViewController::cancelPress(QPoint global) {
+    // The press that began the swipe taps nothing: the widget under it is
+    // told the finger lifted far outside it.
+    if (pressed_ == nullptr) {
+        return;
+    }
+    const QPointF outside(-10000, -10000);
+    QMouseEvent release(QEvent::MouseButtonRelease, outside, QPointF(global) + outside,
+                        Qt::LeftButton, Qt::NoButton, Qt::NoModifier);
+    cancellingPress_ = true;
+    QApplication::sendEvent(pressed_, &release);
+    cancellingPress_ = false;
+    pressed_ = nullptr;
 }
 
 void ViewController::swipeMove(QPoint global) {
@@ -380,28 +422,29 @@ void ViewController::swipeEnd() {
     }
 }
 
-bool ViewController::handleNavigationKey(int key) {
+bool ViewController::handleNavigationKey(const QKeyEvent& event) {
+    const int key = event.key();
+    if (key != Qt::Key_Right && key != Qt::Key_Left && key != Qt::Key_Escape &&
+        key != Qt::Key_Back) {
+        return false;
+    }
     if (!canMove()) {
         return false;
     }
-    switch (key) {
-        case Qt::Key_Right:
-        case Qt::Key_PageDown:
-            gotoNextPage();
-            return true;
-        case Qt::Key_Left:
-        case Qt::Key_Escape:
-        case Qt::Key_Back:
-            gotoMenu();
-            return true;
-        default:
-            return false;
+    // A held key, or one pressed while the pages are moving, waits for them.
+    if (event.isAutoRepeat() || isSliding()) {
+        return true;
     }
+    if (key == Qt::Key_Right) {
+        gotoNextPage();
+    } else {
+        gotoMenu();
+    }
+    return true;
 }
 
 void ViewController::onTilt(double x, bool upsideDown) {
-    if (!state_.accelerate || state_.popupShown || state_.openForms > 0 ||
-        !services_.application.context().state.activeGid) {
+    if (!state_.accelerate || !nothingOver() || isSliding() || !state_.activeGid) {
         tiltNavigator_.update(x, upsideDown, false);
         return;
     }
@@ -437,10 +480,8 @@ void ViewController::resizeEvent(QResizeEvent* event) {
         background_->setGeometry(rect());
     }
     for (QWidget* holder : holders_) {
-        for (QObject* child : holder->children()) {
-            if (auto* page = qobject_cast<QWidget*>(child)) {
-                page->setGeometry(holder->rect());
-            }
+        for (QWidget* page : holder->findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
+            page->setGeometry(holder->rect());
         }
     }
 }
@@ -461,7 +502,10 @@ void ViewController::becomeActive() {
     if (gCurTab_ != 0 && state_.activeGid) {
         updateTab(gCurTab_, *state_.activeGid, true);
     }
-    menu_->updateMenu();
+    // Coming back on another day, the ages have grown.
+    if (state_.menuDirty || menu_->isStale()) {
+        menu_->updateMenu();
+    }
 }
 
 }  // namespace tilika::frame

@@ -13,6 +13,7 @@
 
 #include "frame/navigation.h"
 
+class QKeyEvent;
 class QVariantAnimation;
 
 namespace tilika::core {
@@ -76,6 +77,10 @@ public:
     void gotoMenu();
     void gotoNextPage();
 
+    // The program has become active: the page shown is reloaded if it was
+    // marked, and the menu redrawn if it changed or a day has passed.
+    void becomeActive();
+
     // The profile form of a child, or of a new one without a guid.
     void setupShow(std::optional<std::string> gid);
     // The buttons of the welcome page: 1 what's new, 2 about the program,
@@ -110,16 +115,19 @@ private:
     // Whether the pages may move now: a page is up, and no popup, form or
     // dialog lies over it.
     bool canMove() const;
+    // No popup, form, chooser or dialog lies over the screen, and the window
+    // has the focus.
+    bool nothingOver() const;
     // Lays the holders out with the page on top `offset` pixels to the right
     // of its place, and the menu following at a quarter of the way.
     void setOffset(int offset);
     void animateOffset(int to, int durationMs, std::function<void()> done);
     void swipeMove(QPoint global);
     void swipeEnd();
-    bool handleNavigationKey(int key);
+    bool handleNavigationKey(const QKeyEvent& event);
+    void cancelPress(QPoint global);
     void onTilt(double x, bool upsideDown);
     void correctTilt();
-    void becomeActive();
 
     // ---- the menu's rows (in view_controller_actions.cpp) ----
     void menuClick(const core::MenuRow& row);
@@ -148,7 +156,9 @@ private:
 
     // A drag that may become a swipe: where it started, and whether it has.
     std::optional<QPoint> pressAt_;
+    QPointer<QWidget> pressed_;
     bool swiping_ = false;
+    bool cancellingPress_ = false;
     int swipeStartOffset_ = 0;
 
     TiltSensor* tilt_;

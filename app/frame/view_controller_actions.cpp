@@ -56,6 +56,15 @@ void ViewController::menuClick(const core::MenuRow& row) {
 }
 
 void ViewController::mainMenuClick(const core::MenuRow& row, bool checked) {
+    if (gCurTab_ != 0) {
+        // A row glimpsed while a page slides in does nothing; a switch goes
+        // back to what it was.
+        if (QAbstractButton* view = menu_->mainRow(row.id);
+            view != nullptr && view->isCheckable()) {
+            view->setChecked(!checked);
+        }
+        return;
+    }
     switch (menuCommand(row.id)) {
         case MenuCommand::addChild:
             setupShow(std::nullopt);

@@ -90,14 +90,24 @@ private slots:
         QVERIFY(masha->width() <= 560);
         save(root_->grab(), "menu_tablet.png");
 
-        // Its settings open its own form; the other child's block closes.
+        // Its settings open its own form, and save under its own guid.
+        const std::string gid = masha->guid();
         masha->rowViews().back()->click();
         QVERIFY(form->isOpen());
+        name = widgetWithTag<QLineEdit>(form, static_cast<int>(form->posByField("name")));
         QCOMPARE(name->text(), QStringLiteral("Маша"));
-        form->closeForm();
-        masha->circle()->click();
+        name->setText(QStringLiteral("Мария"));
+        form->closeOk();
+        QCOMPARE(menu()->childBlocks().size(), before + 1);
+        frame::menu::ChildBlockView* maria = blockNamed(QStringLiteral("Мария"));
+        QVERIFY(maria != nullptr);
+        QCOMPARE(maria->guid(), gid);
+
+        // A second tap on the photo closes the block and lets the child go.
+        maria->circle()->click();
         QVERIFY(!state().activeGid);
-        QTRY_COMPARE(masha->height(), frame::kClosedBlockHeight);
+        QTRY_VERIFY(!maria->rowViews().front()->isVisible());
+        QCOMPARE(maria->height(), frame::kClosedBlockHeight);
     }
 
     void settingSwitchesKeepTheirKeys() {
@@ -108,8 +118,6 @@ private slots:
         tilt->click();
         QVERIFY(settings.boolValue(core::keys::accelerate));
         QVERIFY(state().accelerate);
-        // There is no accelerometer here, and nothing else happens.
-        QVERIFY(!root_->tiltSensor()->isActive());
 
         menu()->mainRow(51)->click();
         QVERIFY(settings.boolValue(core::keys::emptyNote));
@@ -137,6 +145,7 @@ private slots:
         root_->activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(root_));
         frame::menu::ChildBlockView* block = menu()->childBlocks().front();
+        const std::string gid = block->guid();
         block->circle()->click();
         QCOMPARE(state().activeGid, std::optional(block->guid()));
         block->rowViews().front()->setFocus();
@@ -150,6 +159,8 @@ private slots:
         auto* soon = root_->topHolder()->findChild<QLabel*>(QStringLiteral("soon"));
         QCOMPARE(soon->text(), QStringLiteral("Этот раздел скоро появится в программе."));
         save(root_->grab(), "page_coming.png");
+        // The menu under a page takes neither taps nor the keyboard.
+        QVERIFY(!menu()->isVisible());
 
         swipe(-150);
         QTRY_COMPARE(root_->gCurTab(), 2);
@@ -175,7 +186,7 @@ private slots:
         QTRY_VERIFY(!state().popupShown);
 
         // The diary's row is the last page, and the first follows it.
-        root_->openTab(9, block->guid());
+        root_->openTab(9, gid);
         QCOMPARE(root_->gPage(), state().pageCount);
         QTest::keyClick(currentPage(), Qt::Key_Right);
         QTRY_COMPARE(root_->gCurTab(), 1);
@@ -191,10 +202,24 @@ private slots:
         QTest::qWait(50);
         QCOMPARE(root_->gCurTab(), 2);
 
+        // Escape and the mouse's back button lead to the menu too. Back on
+        // the menu, it is drawn anew: the block is found again.
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+        QTRY_COMPARE(root_->gCurTab(), 0);
+        QTRY_VERIFY(!root_->isSliding());
+        menu()->childBlock(gid)->rowViews().front()->click();
+        QTRY_VERIFY(!root_->isSliding());
+        QTest::mouseClick(currentPage(), Qt::BackButton);
+        QTRY_COMPARE(root_->gCurTab(), 0);
+        QTRY_VERIFY(!root_->isSliding());
+
+        menu()->childBlock(gid)->rowViews().front()->click();
+        QTRY_VERIFY(!root_->isSliding());
         swipe(150);
         QTRY_COMPARE(root_->gCurTab(), 0);
         QTRY_VERIFY(!root_->topHolder()->isVisible());
         QCOMPARE(menu()->x(), 0);
+        QVERIFY(menu()->isVisible());
     }
 
     void aDirtyMenuIsRedrawnOnTheNextTick() {
