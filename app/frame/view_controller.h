@@ -148,7 +148,8 @@ private:
     // body and body2; `reg_` tells which is on top.
     std::array<QWidget*, 2> holders_{};
     int reg_ = 1;
-    std::array<QPointer<Tab>, 21> tabs_{};
+    // By page id, 1 to 10.
+    std::array<QPointer<Tab>, 11> tabs_{};
     int gCurTab_ = 0;
     int gPage_ = 1;
     int offset_ = 0;
