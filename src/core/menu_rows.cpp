@@ -4,7 +4,7 @@ namespace tilika::core {
 
 namespace {
 
-struct RowSpec {
+struct RowEntry {
     int tp;
     const char* pic;
     const char* name;
@@ -15,7 +15,7 @@ struct RowSpec {
 };
 
 // clang-format off
-constexpr RowSpec kRows[] = {
+constexpr RowEntry kRows[] = {
     {menukind::page, "icon-passport.png", "Анкетные данные на сегодня", 1, "", kMenuLocal, false},
     {menukind::page, "icon-inday.png", "Расписание на день", 2, "", kMenuLocal, false},
     {menukind::page, "icon-graph.png", "Графики роста и веса", 3, "", kMenuLocal, false},
@@ -60,12 +60,12 @@ constexpr RowSpec kRows[] = {
 
 std::vector<MenuRow> buildMenuItems(int langid, const std::string& shortVersion) {
     std::vector<MenuRow> rows;
-    for (const RowSpec& spec : kRows) {
-        if (spec.russianOnly && langid != 1) {
+    for (const RowEntry& entry : kRows) {
+        if (entry.russianOnly && langid != 1) {
             continue;
         }
         rows.push_back(
-            {spec.tp, spec.pic, spec.name, spec.id, spec.comment, spec.gid, false, false, 0});
+            {entry.tp, entry.pic, entry.name, entry.id, entry.comment, entry.gid, false, false, 0});
     }
     rows.push_back(
         {menukind::version, "", "", 0, "Версия " + shortVersion, kMenuMain, false, false, 0});
