@@ -13,8 +13,8 @@
 #include <QVBoxLayout>
 
 #include "core/app_state.h"
+#include "frame/form_shared.h"
 #include "frame/look.h"
-#include "frame/translation.h"
 #include "platform/qt_canvas.h"
 #include "platform/qt_pictures.h"
 
@@ -75,20 +75,16 @@ background::background(const QString& caption, std::vector<BackgroundItem> items
     setAutoFillBackground(true);
     setFocusPolicy(Qt::StrongFocus);
 
-    back_ = headerButton(QString::fromStdString(translate(state, "Меню")), this);
+    back_ = headerButton(translatedText(state, "Меню"), this);
     back_->setObjectName(QStringLiteral("back"));
     connect(back_, &QToolButton::clicked, this, [this] {
         hide();
         emit closed();
         deleteLater();
     });
-    auto* title = new QLabel(caption, this);
+    auto* title = form::wrappedLabel(caption, this, 19, true);
     title->setObjectName(QStringLiteral("caption"));
     title->setAlignment(Qt::AlignCenter);
-    QFont big = title->font();
-    big.setPixelSize(19);
-    big.setBold(true);
-    title->setFont(big);
     auto* header = new QHBoxLayout;
     header->addWidget(back_);
     header->addWidget(title, 1);

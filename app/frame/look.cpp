@@ -21,10 +21,14 @@ namespace {
 constexpr char kTagProperty[] = "tag";
 
 QString translated(const core::AppState& state, const QString& text) {
-    return QString::fromStdString(translate(state, text.toStdString()));
+    return translatedText(state, text.toStdString());
 }
 
 }  // namespace
+
+QString translatedText(const core::AppState& state, std::string_view text) {
+    return QString::fromStdString(translate(state, text));
+}
 
 void setTextColor(QWidget* widget, const QColor& color) {
     QPalette palette = widget->palette();

@@ -4,6 +4,7 @@
 #include <QWidget>
 
 #include <string>
+#include <string_view>
 
 class QScrollArea;
 class QToolButton;
@@ -65,6 +66,9 @@ void showBackdropThrough(QScrollArea* scroll);
 QToolButton* headerButton(const QString& tip, QWidget* parent);
 void setHeaderButtonPicture(QToolButton* button, const platform::QtPictures& pictures,
                             const std::string& picture, const core::AppState& state);
+
+// A text of the program's own in the state's language.
+QString translatedText(const core::AppState& state, std::string_view text);
 
 // Every label's text and every button's title in the state's language.
 void translateView(QWidget* view, const core::AppState& state);

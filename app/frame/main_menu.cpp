@@ -12,6 +12,7 @@
 #include "core/app_state.h"
 #include "core/context.h"
 #include "core/dates.h"
+#include "frame/form_shared.h"
 #include "frame/look.h"
 #include "frame/menu_blocks.h"
 #include "frame/menu_views.h"
@@ -114,12 +115,8 @@ void mainMenu::updateMenu() {
     column->setContentsMargins(12, 12, 12, 16);
     column->setSpacing(12);
 
-    auto* title = new QLabel(QStringLiteral("Тилика"), columnView);
+    auto* title = form::wrappedLabel(QStringLiteral("Тилика"), columnView, 26, true);
     title->setObjectName(QStringLiteral("title"));
-    QFont titleFont = title->font();
-    titleFont.setPixelSize(26);
-    titleFont.setBold(true);
-    title->setFont(titleFont);
     title->setAlignment(Qt::AlignCenter);
     setTextColor(title, look.text);
     column->addWidget(title);
@@ -214,12 +211,9 @@ void mainMenu::addCommonRows(QVBoxLayout* column) {
                 break;
             }
             case core::menukind::version: {
-                version = new QLabel(QString::fromStdString(row.comment), parent);
+                version = form::wrappedLabel(form::qs(row.comment), parent, 12, false);
                 version->setObjectName(QStringLiteral("version"));
                 version->setAlignment(Qt::AlignCenter);
-                QFont small = version->font();
-                small.setPixelSize(12);
-                version->setFont(small);
                 setTextColor(version, look.text);
                 break;
             }

@@ -7,35 +7,24 @@
 #include <QVBoxLayout>
 
 #include "frame/form_row_views.h"
+#include "frame/form_shared.h"
 #include "frame/look.h"
 #include "frame/pictures.h"
 #include "platform/qt_pictures.h"
 
 namespace tilika::frame::menu {
 
+using form::qs;
+
 namespace {
 
-// The upper part of a child's block, where its rows start.
-constexpr int kBlockTop = 300;
 constexpr int kRowGap = 5;
 constexpr int kPhotoSize = 150;
 constexpr int kCardRadius = 16;
 
-QString qs(const std::string& text) {
-    return QString::fromStdString(text);
-}
-
 QLabel* textLabel(const QString& text, int pixelSize, bool bold, const QColor& color,
                   QWidget* parent) {
-    auto* label = new QLabel(text, parent);
-    QFont font = label->font();
-    font.setPixelSize(pixelSize);
-    font.setBold(bold);
-    label->setFont(font);
-    label->setWordWrap(true);
-    // A wrapping label takes the width there is and wraps; it never widens
-    // the menu past a phone's screen.
-    label->setMinimumWidth(1);
+    QLabel* label = form::wrappedLabel(text, parent, pixelSize, bold);
     label->setAttribute(Qt::WA_TransparentForMouseEvents);
     // Inside a button a label would draw in the button's text role.
     label->setForegroundRole(QPalette::WindowText);
@@ -239,11 +228,10 @@ ChildBlockView::ChildBlockView(const ChildBlock& block, const platform::QtPictur
     birth_->setObjectName(QStringLiteral("birth"));
     age_ = textLabel(qs(block.age), 14, false, look.text, this);
     age_->setObjectName(QStringLiteral("age"));
-    auto* day = new QLabel(this);
-    day->setObjectName(QStringLiteral("dayIcon"));
-    day->setAttribute(Qt::WA_TransparentForMouseEvents);
-    form::setIcon(day, pictures, block.dayPicture, 24);
-    day->setVisible(!block.age.empty());
+    day_ = new QLabel(this);
+    day_->setAttribute(Qt::WA_TransparentForMouseEvents);
+    form::setIcon(day_, pictures, block.dayPicture, 24);
+    day_->setVisible(!block.age.empty());
     for (QLabel* label : {name_, birth_, age_}) {
         label->setAlignment(Qt::AlignCenter);
     }
@@ -290,13 +278,12 @@ void ChildBlockView::resizeEvent(QResizeEvent* /*event*/) {
     name_->setGeometry(12, 176, w - 24, 52);
     birth_->setGeometry(12, 228, w - 24, 22);
     // The day sign stands just left of the age, both centred together.
-    auto* day = findChild<QLabel*>(QStringLiteral("dayIcon"));
     const int ageWidth = std::min(w - 60, age_->fontMetrics().horizontalAdvance(age_->text()) + 8);
     const int left = (w - ageWidth - 28) / 2;
-    day->move(left, 256);
+    day_->move(left, 256);
     age_->setGeometry(left + 28, 252, ageWidth, 32);
-    circle_->setGeometry(0, 0, w, kBlockTop - kRowGap);
-    int y = kBlockTop + kRowGap;
+    circle_->setGeometry(0, 0, w, kClosedBlockHeight - kRowGap);
+    int y = kClosedBlockHeight + kRowGap;
     for (QAbstractButton* row : rows_) {
         if (qobject_cast<PictureButton*>(row) != nullptr) {
             row->setGeometry(24, y + 3, w - 48, kMenuRowHeight - 6);

@@ -111,6 +111,7 @@ private:
     QLabel* name_;
     QLabel* birth_;
     QLabel* age_;
+    QLabel* day_;  // the sign beside the age
     std::vector<QAbstractButton*> rows_;
 };
 

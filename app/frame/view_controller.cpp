@@ -22,6 +22,7 @@
 #include "frame/background_screen.h"
 #include "frame/coming_page.h"
 #include "frame/dic.h"
+#include "frame/look.h"
 #include "frame/main_menu.h"
 #include "frame/menu_blocks.h"
 #include "frame/popup_panels.h"
@@ -128,7 +129,7 @@ Tab* ViewController::tab(int pageId) {
         QString caption;
         for (const core::MenuRow& row : state_.menuItems) {
             if (row.tp == core::menukind::page && row.id == pageId) {
-                caption = QString::fromStdString(translate(state_, row.name));
+                caption = translatedText(state_, row.name);
             }
         }
         slot = new comingPage(pageId, caption, state_, services_.pictures, this);

@@ -12,6 +12,7 @@
 #include "diary/profiles.h"
 #include "frame/background_screen.h"
 #include "frame/dic.h"
+#include "frame/look.h"
 #include "frame/main_menu.h"
 #include "frame/menu_blocks.h"
 #include "frame/popup_panels.h"
@@ -74,9 +75,9 @@ void ViewController::mainMenuClick(const core::MenuRow& row, bool checked) {
             break;
         case MenuCommand::rateProgram:
             if (!services_.application.gotoAppStore()) {
-                popups_->message(QString::fromStdString(translate(
-                                     state_, "Страница программы в магазине пока недоступна.")),
-                                 QString::fromStdString(row.comment), kNoAnswerTag, this);
+                popups_->message(
+                    translatedText(state_, "Страница программы в магазине пока недоступна."),
+                    QString::fromStdString(row.comment), kNoAnswerTag, this);
             }
             break;
         case MenuCommand::setting:
@@ -96,9 +97,8 @@ void ViewController::settingClick(const core::MenuRow& row, bool on) {
         // Switching the password on means setting one, and the lock that
         // asks for it is not in the program yet: the switch goes back to
         // what is stored.
-        popups_->message(
-            QString::fromStdString(translate(state_, "Пароль на вход в программу скоро появится.")),
-            QString::fromStdString(row.comment), kNoAnswerTag, this);
+        popups_->message(translatedText(state_, "Пароль на вход в программу скоро появится."),
+                         QString::fromStdString(row.comment), kNoAnswerTag, this);
         if (QAbstractButton* toggle = menu_->mainRow(kPasswordRow)) {
             toggle->setChecked(menuSetting(context_.settings, kPasswordRow));
         }
@@ -127,10 +127,9 @@ void ViewController::setupShow(std::optional<std::string> gid) {
             });
     }
     setupForm_->setGid(gid.value_or(""));
-    setupForm_->prepare(content.rows, QString::fromStdString(translate(state_, content.caption)),
-                        this, this, content.parentFlag, {}, [this, gid](const FormAnswer& answer) {
-                            editDic(answer, gid.value_or(""));
-                        });
+    setupForm_->prepare(
+        content.rows, translatedText(state_, content.caption), this, this, content.parentFlag, {},
+        [this, gid](const FormAnswer& answer) { editDic(answer, gid.value_or("")); });
 }
 
 void ViewController::editDic(const FormAnswer& answer, const std::string& gid) {
@@ -163,8 +162,8 @@ void ViewController::showBackgrounds() {
         return;
     }
     background_ = new background(
-        QString::fromStdString(translate(state_, "Фон программы")), backgroundItems(), state_,
-        services_.pictures, [this](long long id) { changeBackground(id); }, this);
+        translatedText(state_, "Фон программы"), backgroundItems(), state_, services_.pictures,
+        [this](long long id) { changeBackground(id); }, this);
     background_->setGeometry(rect());
     background_->show();
     background_->raise();
@@ -177,9 +176,8 @@ void ViewController::changeBackground(long long id) {
 }
 
 void ViewController::comingSoon(const std::string& caption) {
-    popups_->message(
-        QString::fromStdString(translate(state_, "Этот раздел скоро появится в программе.")),
-        QString::fromStdString(translate(state_, caption)), kNoAnswerTag, this);
+    popups_->message(translatedText(state_, "Этот раздел скоро появится в программе."),
+                     translatedText(state_, caption), kNoAnswerTag, this);
 }
 
 void ViewController::viewDidAppear() {
