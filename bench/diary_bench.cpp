@@ -14,8 +14,10 @@
 #include "core/database.h"
 #include "core/dates.h"
 #include "core/ids.h"
+#include "core/settings_file.h"
 #include "diary/diary_store.h"
 #include "diary/value_codecs.h"
+#include "medication/courses.h"
 #include "platform/clock.h"
 #include "platform/folders.h"
 #include "platform/settings_store.h"
@@ -39,7 +41,8 @@ public:
           dates_(clock_),
           database_(folders_, dates_),
           context_{clock_, settings_, folders_, dates_, database_, state_},
-          store_(context_) {}
+          courses_(dates_),
+          store_(context_, courses_) {}
 
     ~Sample() {
         std::error_code error;
@@ -67,12 +70,13 @@ private:
     std::filesystem::path dir_;
     bench::SampleDiary diary_;
     platform::DataFolders folders_;
-    platform::JsonSettingsStore settings_;
+    core::JsonSettingsStore settings_;
     platform::ManualClock clock_;
     core::Dates dates_;
     core::DatabaseStore database_;
     core::AppState state_;
     core::Context context_;
+    medication::CourseReconciler courses_;
     diary::DiaryStore store_;
 };
 

@@ -8,6 +8,7 @@
 #include "core/database.h"
 #include "core/dates.h"
 #include "core/ids.h"
+#include "core/settings_file.h"
 #include "core/text.h"
 #include "diary/day_rows.h"
 #include "diary/profiles.h"
@@ -188,8 +189,8 @@ SampleDiary writeSampleDiary(const std::filesystem::path& dataDir,
                              const std::filesystem::path& resourceDir) {
     platform::DataFolders folders(dataDir, resourceDir);
     folders.createLayout();
-    platform::JsonSettingsStore settings(folders.path(platform::SystemFolder::Library) /
-                                         "settings.json");
+    core::JsonSettingsStore settings(folders.path(platform::SystemFolder::Library) /
+                                     "settings.json");
     platform::ManualClock clock(sampleNow(), "Europe/Moscow");
     core::Dates dates(clock);
     core::DatabaseStore database(folders, dates);

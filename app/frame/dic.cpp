@@ -24,6 +24,7 @@
 #include "development/ruler_view.h"
 #include "diary/reference_lists.h"
 #include "frame/form_kinds.h"
+#include "frame/form_moments.h"
 #include "frame/form_row_views.h"
 #include "frame/form_shared.h"
 #include "frame/look.h"
@@ -31,6 +32,7 @@
 #include "frame/popup_panels.h"
 #include "frame/translation.h"
 #include "platform/qt_canvas.h"
+#include "platform/qt_date.h"
 #include "platform/qt_pictures.h"
 
 namespace tilika::frame {
@@ -50,10 +52,6 @@ dic::~dic() {
     if (open_) {
         --services_.state.openForms;
     }
-}
-
-QDateTime dic::now() const {
-    return QDateTime::fromMSecsSinceEpoch(services_.dates.now().time_since_epoch().count());
 }
 
 QString dic::own(const char* text) const {
@@ -174,15 +172,15 @@ void dic::prepare(FormRows rows, const QString& caption, QWidget* host, QObject*
     raise();
 }
 
-void dic::detailPrepare(const DetailRequest& request, QWidget* host, QObject* target,
+void dic::detailPrepare(const session::DetailRequest& request, QWidget* host, QObject* target,
                         Action action) {
-    DetailRequest filled = request;
+    session::DetailRequest filled = request;
     if (filled.list.empty()) {
         filled.list = list_;
     }
-    const DetailContext context{services_.dates, services_.dates.now(), services_.lists,
-                                services_.state.lightTheme};
-    FormContent content = frame::detailPrepare(filled, context);
+    const session::DetailContext context{services_.dates, services_.dates.now(), services_.lists,
+                                         services_.state.lightTheme};
+    session::FormContent content = session::detailPrepare(filled, context);
     if (filled.dat.starts_with("WASADDED")) {
         // The caller's own items: adding to them keeps them.
         for (auto& row : content.rows) {
@@ -196,7 +194,7 @@ void dic::detailPrepare(const DetailRequest& request, QWidget* host, QObject* ta
 }
 
 void dic::detailAddToList(std::string index, std::string cap, bool checked, int deleted) {
-    diary::ListRow row;
+    ListRow row;
     row.index = std::move(index);
     row.cap = std::move(cap);
     row.checked = checked;
@@ -261,17 +259,9 @@ void dic::detailClick(std::size_t index) {
     if (!kind) {
         return;
     }
-    const QString source = qs(row.source);
-    QDateTime old;
-    if (kind->popup == popupkind::time) {
-        old = QDateTime(now().date(), QTime::fromString(source, QString::fromLatin1(kind->format)));
-    } else {
-        old = QDateTime::fromString(source, QString::fromLatin1(kind->format));
-        if (!old.isValid() && kind->popup == popupkind::date) {
-            old =
-                QDateTime(QDate::fromString(source, QString::fromLatin1(kDateFormat)), QTime(0, 0));
-        }
-    }
+    const core::Date now = services_.dates.now();
+    const QDateTime old = platform::toQDateTime(rowMoment(row, services_.dates, now).value_or(now),
+                                                services_.dates.timeZoneId());
     QPointer<dic> self(this);
     services_.popups.popupDetail(
         kind->popup, shown(row.editdescr.empty() ? row.caption : row.editdescr), old, this,
@@ -286,8 +276,9 @@ void dic::changeDate(std::size_t index, const QDateTime& value) {
     if (index >= detailAr_.size()) {
         return;
     }
-    if (const auto kind = momentKind(detailAr_[index].tp)) {
-        changeDetail(index, value.toString(QString::fromLatin1(kind->format)));
+    const int tp = detailAr_[index].tp;
+    if (momentKind(tp)) {
+        changeDetail(index, qs(momentSource(tp, platform::fromQDateTime(value), services_.dates)));
     }
 }
 
@@ -318,7 +309,7 @@ void dic::recomputePillTimes() {
     }
 }
 
-const std::vector<diary::ListRow>& dic::listOf(const diary::CatalogueRow& row) {
+const std::vector<ListRow>& dic::listOf(const FormRow& row) {
     if (!row.listdata.empty()) {
         return row.listdata;
     }

@@ -14,8 +14,8 @@
 #include <vector>
 
 #include "core/date.h"
-#include "frame/form_dialogs.h"
 #include "frame/form_values.h"
+#include "session/form_dialogs.h"
 
 class QLabel;
 class QPushButton;
@@ -80,7 +80,8 @@ public:
     void prepare(FormRows rows, const QString& caption, QWidget* host, QObject* target,
                  int parentFlag, const std::map<std::string, std::string>& defaults, Action action);
     // A ready-made form.
-    void detailPrepare(const DetailRequest& request, QWidget* host, QObject* target, Action action);
+    void detailPrepare(const session::DetailRequest& request, QWidget* host, QObject* target,
+                       Action action);
 
     // A list form's items, for a form whose value is "WASADDED".
     void detailClearList() { list_.clear(); }
@@ -142,11 +143,10 @@ protected:
 private:
     void buildFrame();
     void updateData(bool keepPlace = true);
-    void fillEmptyMoments();
     QWidget* buildRow(std::size_t index, QWidget* parent);
     QWidget* momentRow(std::size_t index, QWidget* parent);
     // A column headed by the row's icon and caption.
-    QVBoxLayout* captionedColumn(const diary::CatalogueRow& row, QWidget* widget) const;
+    QVBoxLayout* captionedColumn(const FormRow& row, QWidget* widget) const;
     QWidget* textRow(std::size_t index, QWidget* parent);
     QWidget* listRow(std::size_t index, QWidget* parent);
     QWidget* timesRow(std::size_t index, QWidget* parent);
@@ -168,7 +168,7 @@ private:
     void photoClick(std::size_t index);
     void actionClick(std::size_t index);
     void recomputePillTimes();
-    const std::vector<diary::ListRow>& listOf(const diary::CatalogueRow& row);
+    const std::vector<ListRow>& listOf(const FormRow& row);
 
     void startClick(std::size_t index);
     void stopClick();
@@ -177,8 +177,6 @@ private:
     void dropStopwatch();
 
     QString own(const char* text) const;
-    // The clock's time, which tests pin.
-    QDateTime now() const;
     QString shown(const std::string& text) const;
     std::string cardIcon(const std::string& picture) const;
     void answer(std::optional<std::size_t> sender);
@@ -194,14 +192,14 @@ private:
     std::uint64_t generation_ = 0;
 
     FormRows detailAr_;
-    std::vector<diary::ListRow> list_;
+    std::vector<ListRow> list_;
     std::vector<std::string> hiliteData_;
     std::string gid_;
     PillTimes pillTimes_;
     DocumentsOpener documents_;
     PhotoPicker photoPicker_;
     // The reading lists of list rows, by reference list.
-    std::map<int, std::vector<diary::ListRow>> readingLists_;
+    std::map<int, std::vector<ListRow>> readingLists_;
     // The marks of the teeth rows, by row, as the user left them.
     std::map<std::size_t, std::vector<bool>> teeth_;
 

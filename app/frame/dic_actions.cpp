@@ -14,14 +14,17 @@
 #include "core/app_state.h"
 #include "core/dates.h"
 #include "core/text.h"
+#include "diary/catalogue.h"
 #include "diary/reference_lists.h"
 #include "frame/dic.h"
 #include "frame/form_kinds.h"
+#include "frame/form_moments.h"
 #include "frame/form_row_views.h"
 #include "frame/form_shared.h"
 #include "frame/look.h"
 #include "frame/pictures.h"
 #include "frame/popup_panels.h"
+#include "platform/qt_date.h"
 #include "platform/qt_image_codec.h"
 #include "platform/qt_pictures.h"
 
@@ -72,7 +75,7 @@ void dic::subDetail(std::size_t index) {
     correctField();
     const auto& row = detailAr_[index];
     replaceSubForm();
-    DetailRequest request;
+    session::DetailRequest request;
     request.kind = 2;
     request.parentFlag = static_cast<int>(index) + 1;
     request.cap = row.editcap;
@@ -118,8 +121,10 @@ void dic::timeClick(std::size_t index, std::size_t position) {
         return;
     }
     const auto& row = detailAr_[index];
-    const QDateTime old(now().date(),
-                        QTime::fromString(qs(times[position]), QString::fromLatin1(kTimeFormat)));
+    const core::Date now = services_.dates.now();
+    const QDateTime old =
+        platform::toQDateTime(timeOnDay(times[position], services_.dates, now).value_or(now),
+                              services_.dates.timeZoneId());
     QPointer<dic> self(this);
     services_.popups.popupDetail(
         popupkind::time, shown(row.editdescr.empty() ? row.caption : row.editdescr), old, this,
@@ -128,7 +133,9 @@ void dic::timeClick(std::size_t index, std::size_t position) {
             if (self == nullptr || index >= self->detailAr_.size()) {
                 return;
             }
-            const QString time = value.toDateTime().toString(QString::fromLatin1(kTimeFormat));
+            const QString time =
+                qs(momentSource(formkind::time, platform::fromQDateTime(value.toDateTime()),
+                                self->services_.dates));
             auto& row = self->detailAr_[index];
             row.source = replaceTime(row.source, position, time.toStdString());
             const int tag = static_cast<int>(index + 1) * 1000 + static_cast<int>(position);
@@ -183,7 +190,7 @@ void dic::afterAdd(std::size_t index, const FormRows& rows) {
     } else {
         // A list the caller put together keeps its items; the new one is
         // stored and joins them.
-        std::vector<diary::ListRow> scratch;
+        std::vector<ListRow> scratch;
         if (const auto guid = services_.lists->addFromListScreen(added, scratch)) {
             for (const auto& stored : scratch) {
                 if (stored.index == *guid) {

@@ -19,14 +19,16 @@
 #include "diary/reference_lists.h"
 #include "frame/dic.h"
 #include "frame/form_kinds.h"
+#include "frame/form_moments.h"
 #include "frame/form_row_views.h"
 #include "frame/form_shared.h"
+#include "frame/form_values.h"
 #include "frame/look.h"
 #include "frame/pictures.h"
 #include "frame/popup_panels.h"
-#include "medication/regimen_texts.h"
 #include "platform/qt_canvas.h"
 #include "platform/qt_image_codec.h"
+#include "platform/qt_date.h"
 #include "platform/qt_pictures.h"
 
 namespace tilika::frame {
@@ -50,7 +52,7 @@ bool opensSomething(int tp) {
 }
 
 // Rows that lie on the backdrop rather than on a card of their own.
-bool onBackdrop(const diary::CatalogueRow& row) {
+bool onBackdrop(const FormRow& row) {
     const int tp = row.tp;
     return tp == formkind::separator || tp == formkind::heading || tp == formkind::label ||
            tp == formkind::derived || tp == formkind::picture || removesRecord(row);
@@ -90,27 +92,8 @@ private:
 
 // ---- Drawing ----
 
-void dic::fillEmptyMoments() {
-    const core::Date now = services_.dates.now();
-    for (auto& row : detailAr_) {
-        if (row.tp == formkind::times && row.source.empty()) {
-            // The times shown are the times kept.
-            row.source = medication::kFallbackTimes;
-            continue;
-        }
-        if (!row.source.empty()) {
-            continue;
-        }
-        if (row.tp == formkind::diaryDate || row.tp == formkind::date) {
-            row.source = services_.dates.dateToString(now, kDateFormat);
-        } else if (row.tp == formkind::diaryTime || row.tp == formkind::time) {
-            row.source = services_.dates.dateToString(now, kTimeFormat);
-        }
-    }
-}
-
 void dic::updateData(bool keepPlace) {
-    fillEmptyMoments();
+    frame::fillEmptyMoments(detailAr_, services_.dates, services_.dates.now());
     const int kept = keepPlace ? scroll_->verticalScrollBar()->value() : 0;
 
     content_ = new QWidget;
@@ -367,7 +350,7 @@ QWidget* dic::momentRow(std::size_t index, QWidget* parent) {
     return line;
 }
 
-QVBoxLayout* dic::captionedColumn(const diary::CatalogueRow& row, QWidget* widget) const {
+QVBoxLayout* dic::captionedColumn(const FormRow& row, QWidget* widget) const {
     auto* box = new QVBoxLayout(widget);
     box->setContentsMargins(4, 4, 4, 4);
     box->setSpacing(4);
@@ -447,7 +430,7 @@ QWidget* dic::listRow(std::size_t index, QWidget* parent) {
     box->setContentsMargins(0, 0, 0, 0);
     box->setSpacing(0);
     auto icons = std::make_shared<std::vector<QLabel*>>();
-    const auto tick = [this](const diary::ListRow& item) {
+    const auto tick = [this](const ListRow& item) {
         return item.checked ? "checkgreen.png" : "checkempty.png";
     };
     for (std::size_t k = 0; k < row.list.size(); ++k) {

@@ -14,13 +14,13 @@
 #include "core/dates.h"
 #include "frame/form_shared.h"
 #include "frame/look.h"
-#include "frame/menu_blocks.h"
 #include "frame/menu_views.h"
 #include "frame/navigation.h"
 #include "frame/pictures.h"
 #include "frame/translation.h"
 #include "platform/qt_canvas.h"
 #include "platform/qt_pictures.h"
+#include "session/menu_blocks.h"
 
 namespace tilika::frame {
 
@@ -121,7 +121,7 @@ void mainMenu::updateMenu() {
     setTextColor(title, look.text);
     column->addWidget(title);
 
-    for (ChildBlock& block : frame::childBlocks(context_)) {
+    for (session::ChildBlock& block : session::childBlocks(context_)) {
         for (core::MenuRow& row : block.rows) {
             row = translated(state, std::move(row));
         }
@@ -168,12 +168,12 @@ void mainMenu::addCommonRows(QVBoxLayout* column) {
     switchesColumn->setContentsMargins(4, 4, 4, 4);
     QLabel* version = nullptr;
 
-    for (core::MenuRow row : commonRows(state.menuItems)) {
+    for (core::MenuRow row : session::commonRows(state.menuItems)) {
         row = translated(state, std::move(row));
         if (menuSettingKey(row.id)) {
             row.checked = menuSetting(context_.settings, row.id);
         }
-        row.hint = menuCounter(context_.settings, state, row.id);
+        row.hint = session::menuCounter(context_.settings, state, row.id);
         rowList_.push_back(row);
         // Every shared row answers with itself; a switch with its new state.
         const auto answer = [this, row](QAbstractButton* view) {
@@ -232,7 +232,7 @@ void mainMenu::realignMenu(bool animated) {
     const std::optional<std::string>& selected = context_.state.activeGid;
     for (menu::ChildBlockView* block : childBlocks()) {
         const bool open = selected == block->guid();
-        const int target = blockHeight(open, block->rowViews().size());
+        const int target = session::blockHeight(open, block->rowViews().size());
         // A closed block's rows are out of reach, for the keyboard too; they
         // go once the block has closed over them.
         if (open) {

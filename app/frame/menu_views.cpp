@@ -150,7 +150,7 @@ RowView::RowView(const core::MenuRow& row, const platform::QtPictures& pictures,
     if (service) {
         setMinimumHeight(56);
     } else {
-        setFixedHeight(kMenuRowHeight);
+        setFixedHeight(session::kMenuRowHeight);
     }
 }
 
@@ -180,7 +180,7 @@ PictureButton::PictureButton(const core::MenuRow& row, std::string picture, QCol
 }
 
 QSize PictureButton::sizeHint() const {
-    return {240, row_.tp == core::menukind::addChild ? 48 : kMenuRowHeight - 6};
+    return {240, row_.tp == core::menukind::addChild ? 48 : session::kMenuRowHeight - 6};
 }
 
 void PictureButton::paintEvent(QPaintEvent* /*event*/) {
@@ -209,8 +209,9 @@ SwitchRow::SwitchRow(const core::MenuRow& row, const Look& look, QWidget* parent
 
 // ---- ChildBlockView ----
 
-ChildBlockView::ChildBlockView(const ChildBlock& block, const platform::QtPictures& pictures,
-                               const Look& look, QWidget* parent)
+ChildBlockView::ChildBlockView(const session::ChildBlock& block,
+                               const platform::QtPictures& pictures, const Look& look,
+                               QWidget* parent)
     : QWidget(parent), guid_(block.guid), card_(look.card) {
     setObjectName(qs("child-" + block.guid));
     QImage photo;
@@ -252,7 +253,7 @@ ChildBlockView::ChildBlockView(const ChildBlock& block, const platform::QtPictur
         rows_.push_back(view);
     }
     // Closed until the menu opens it.
-    setFixedHeight(blockHeight(false, rows_.size()));
+    setFixedHeight(session::blockHeight(false, rows_.size()));
     setRowsShown(false);
 }
 
@@ -282,15 +283,15 @@ void ChildBlockView::resizeEvent(QResizeEvent* /*event*/) {
     const int left = (w - ageWidth - 28) / 2;
     day_->move(left, 256);
     age_->setGeometry(left + 28, 252, ageWidth, 32);
-    circle_->setGeometry(0, 0, w, kClosedBlockHeight - kRowGap);
-    int y = kClosedBlockHeight + kRowGap;
+    circle_->setGeometry(0, 0, w, session::kClosedBlockHeight - kRowGap);
+    int y = session::kClosedBlockHeight + kRowGap;
     for (QAbstractButton* row : rows_) {
         if (qobject_cast<PictureButton*>(row) != nullptr) {
-            row->setGeometry(24, y + 3, w - 48, kMenuRowHeight - 6);
+            row->setGeometry(24, y + 3, w - 48, session::kMenuRowHeight - 6);
         } else {
-            row->setGeometry(8, y, w - 16, kMenuRowHeight);
+            row->setGeometry(8, y, w - 16, session::kMenuRowHeight);
         }
-        y += kMenuRowHeight;
+        y += session::kMenuRowHeight;
     }
 }
 

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "core/menu_rows.h"
-#include "frame/menu_blocks.h"
+#include "session/menu_blocks.h"
 
 class QLabel;
 
@@ -90,8 +90,8 @@ class ChildBlockView final : public QWidget {
     Q_OBJECT
 
 public:
-    ChildBlockView(const ChildBlock& block, const platform::QtPictures& pictures, const Look& look,
-                   QWidget* parent);
+    ChildBlockView(const session::ChildBlock& block, const platform::QtPictures& pictures,
+                   const Look& look, QWidget* parent);
     const std::string& guid() const { return guid_; }
     QAbstractButton* circle() const { return circle_; }
     // The views of the child's rows, in order.

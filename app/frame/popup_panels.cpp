@@ -24,11 +24,13 @@
 #include <QVBoxLayout>
 
 #include "core/app_state.h"
+#include "core/dates.h"
 #include "frame/look.h"
 #include "frame/pictures.h"
 #include "frame/popup_layer.h"
 #include "frame/textdata.h"
 #include "frame/translation.h"
+#include "platform/qt_date.h"
 #include "platform/qt_pictures.h"
 
 namespace tilika::frame {
@@ -279,8 +281,11 @@ void Popups::popupDetail(int kind, const QString& caption, const QVariant& old, 
     QPushButton* ok = pickerHead(caption, panel, layout);
 
     if (moment) {
+        // Without a moment of its own the picker starts at the clock's now.
         const QDateTime start =
-            old.toDateTime().isValid() ? old.toDateTime() : QDateTime::currentDateTime();
+            old.toDateTime().isValid()
+                ? old.toDateTime()
+                : platform::toQDateTime(environment_.dates.now(), environment_.dates.timeZoneId());
         QCalendarWidget* calendar = nullptr;
         QTimeEdit* clock = nullptr;
         if (kind != popupkind::time) {
@@ -304,7 +309,7 @@ void Popups::popupDetail(int kind, const QString& caption, const QVariant& old, 
         connect(ok, &QPushButton::clicked, this, [=, this] {
             const QDate date = calendar != nullptr ? calendar->selectedDate() : start.date();
             const QTime time = clock != nullptr ? clock->time() : start.time();
-            const QDateTime picked(date, QTime(time.hour(), time.minute()));
+            const QDateTime picked(date, QTime(time.hour(), time.minute()), start.timeZone());
             closeAfter([=] { action(parentFlag, picked); }, 0);
         });
     } else {

@@ -6,13 +6,14 @@
 #include <filesystem>
 #include <memory>
 
-#include "core/application.h"
+#include "core/settings_file.h"
 #include "frame/pictures.h"
 #include "platform/folders.h"
 #include "platform/qt_image_codec.h"
 #include "platform/qt_pictures.h"
 #include "platform/qt_shell.h"
 #include "platform/settings_store.h"
+#include "session/application.h"
 
 namespace tilika::platform {
 class Clock;
@@ -41,7 +42,7 @@ public:
     // on it, and launches. Nothing is started unless the result is Started.
     StartResult start();
 
-    core::Application& application() { return application_; }
+    session::Application& application() { return application_; }
     platform::QtShell& shell() { return shell_; }
     QWidget* rootWindow() const { return shell_.rootWindow(); }
     // The program's pictures, read once, for every screen to draw with.
@@ -63,9 +64,9 @@ private:
     // Two programs on one folder would overwrite each other's settings and
     // race for the daily copy.
     std::unique_ptr<QLockFile> lock_;
-    platform::JsonSettingsStore settings_;
+    core::JsonSettingsStore settings_;
     platform::QtShell shell_;
-    core::Application application_;
+    session::Application application_;
     QMetaObject::Connection stateConnection_;
     bool active_ = false;
 };

@@ -16,7 +16,6 @@
 #include <QTimer>
 #include <QVariantAnimation>
 
-#include "core/application.h"
 #include "core/context.h"
 #include "diary/reference_lists.h"
 #include "frame/background_screen.h"
@@ -24,7 +23,6 @@
 #include "frame/dic.h"
 #include "frame/look.h"
 #include "frame/main_menu.h"
-#include "frame/menu_blocks.h"
 #include "frame/popup_panels.h"
 #include "frame/tab.h"
 #include "frame/text_page.h"
@@ -32,6 +30,8 @@
 #include "frame/translation.h"
 #include "platform/qt_pictures.h"
 #include "platform/shell.h"
+#include "session/application.h"
+#include "session/menu_blocks.h"
 
 namespace tilika::frame {
 
@@ -174,24 +174,26 @@ void ViewController::updateTab(int pageId, const std::string& gid, bool animatio
 void ViewController::openTab(int pageId, const std::string& gid) {
     state_.activeGid = gid;
     updateTab(pageId, gid, true);
-    const int position = pagePosition(state_.menuItems, pageId);
+    const int position = session::pagePosition(state_.menuItems, pageId);
     if (position == 0) {
         return;
     }
-    const int next = pageIdAt(state_.menuItems, nextPagePosition(position, state_.pageCount));
+    const int next =
+        session::pageIdAt(state_.menuItems, nextPagePosition(position, state_.pageCount));
     updateTab(next, gid, false);
     setActivePage(position, gCurTab_ == 0 ? Entrance::slide : Entrance::none);
 }
 
 void ViewController::setActivePage(int position, Entrance entrance) {
-    const int pageId = pageIdAt(state_.menuItems, position);
+    const int pageId = session::pageIdAt(state_.menuItems, position);
     Tab* page = tab(pageId);
     if (page == nullptr) {
         return;
     }
     gCurTab_ = pageId;
     gPage_ = position;
-    Tab* next = tab(pageIdAt(state_.menuItems, nextPagePosition(position, state_.pageCount)));
+    Tab* next =
+        tab(session::pageIdAt(state_.menuItems, nextPagePosition(position, state_.pageCount)));
 
     // The page that a swipe brought in already lies in the lower holder: it
     // becomes the upper one where it is.
@@ -292,7 +294,7 @@ void ViewController::gotoNextPage() {
         return;
     }
     const int position = nextPagePosition(gPage_, state_.pageCount);
-    const int pageId = pageIdAt(state_.menuItems, position);
+    const int pageId = session::pageIdAt(state_.menuItems, position);
     const std::string gid = *state_.activeGid;
     if (gCurTab_ == 0) {
         openTab(pageId, gid);
@@ -474,7 +476,7 @@ void ViewController::correctTilt() {
 
 void ViewController::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
-    core::applyScreenSize(
+    session::applyScreenSize(
         state_, platform::ScreenSize{static_cast<double>(width()), static_cast<double>(height())});
     setOffset(gCurTab_ == 0 ? width() : 0);
     if (background_ != nullptr) {

@@ -16,8 +16,10 @@
 class QKeyEvent;
 class QVariantAnimation;
 
-namespace tilika::core {
+namespace tilika::session {
 class Application;
+}  // namespace tilika::session
+namespace tilika::core {
 struct AppState;
 struct Context;
 struct MenuRow;
@@ -42,7 +44,7 @@ struct FormAnswer;
 
 // What the root screen needs of the running program.
 struct RootServices {
-    core::Application& application;
+    session::Application& application;
     const platform::QtPictures& pictures;
     const platform::ImageCodec& images;
     // The folder of the program's reading matter.

@@ -4,7 +4,6 @@
 #include <QFrame>
 #include <QTimer>
 
-#include "core/application.h"
 #include "core/context.h"
 #include "core/ids.h"
 #include "core/settings_keys.h"
@@ -14,12 +13,13 @@
 #include "frame/dic.h"
 #include "frame/look.h"
 #include "frame/main_menu.h"
-#include "frame/menu_blocks.h"
 #include "frame/popup_panels.h"
 #include "frame/popups.h"
 #include "frame/translation.h"
 #include "frame/view_controller.h"
 #include "platform/settings_store.h"
+#include "session/application.h"
+#include "session/menu_blocks.h"
 
 namespace tilika::frame {
 
@@ -43,11 +43,11 @@ void ViewController::menuClick(const core::MenuRow& row) {
     if (gCurTab_ != 0) {
         return;
     }
-    switch (menuCommand(row.id)) {
-        case MenuCommand::openPage:
+    switch (session::menuCommand(row.id)) {
+        case session::MenuCommand::openPage:
             openTab(row.id, row.gid);
             break;
-        case MenuCommand::childSettings:
+        case session::MenuCommand::childSettings:
             setupShow(row.gid);
             break;
         default:
@@ -66,24 +66,24 @@ void ViewController::mainMenuClick(const core::MenuRow& row, bool checked) {
         }
         return;
     }
-    switch (menuCommand(row.id)) {
-        case MenuCommand::addChild:
+    switch (session::menuCommand(row.id)) {
+        case session::MenuCommand::addChild:
             setupShow(std::nullopt);
             break;
-        case MenuCommand::background:
+        case session::MenuCommand::background:
             showBackgrounds();
             break;
-        case MenuCommand::rateProgram:
+        case session::MenuCommand::rateProgram:
             if (!services_.application.gotoAppStore()) {
                 popups_->message(
                     translatedText(state_, "Страница программы в магазине пока недоступна."),
                     QString::fromStdString(row.comment), kNoAnswerTag, this);
             }
             break;
-        case MenuCommand::setting:
+        case session::MenuCommand::setting:
             settingClick(row, checked);
             break;
-        case MenuCommand::coming:
+        case session::MenuCommand::coming:
             comingSoon(row.name.empty() ? row.comment : row.name);
             break;
         default:

@@ -77,7 +77,7 @@ bool QtShell::rootIsCurrent() const {
     return root_ && QApplication::activeModalWidget() == nullptr;
 }
 
-void QtShell::openDayEditor(core::Date /*day*/) {
+void QtShell::openDayEditor(Date /*day*/) {
     log("The day editor is not part of this build yet");
 }
 

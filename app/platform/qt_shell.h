@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 
+#include "platform/date.h"
 #include "platform/shell.h"
 
 namespace tilika::platform {
@@ -37,7 +38,7 @@ public:
     void openUrl(const std::string& url) override;
     void showRootWindow() override;
     bool rootIsCurrent() const override;
-    void openDayEditor(core::Date day) override;
+    void openDayEditor(Date day) override;
     void hideKeyboard() override;
     void coverWithLock() override;
 

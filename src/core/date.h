@@ -1,12 +1,10 @@
 #pragma once
 
-#include <chrono>
+#include "platform/date.h"
 
 namespace tilika::core {
 
-// An instant on the time line. Which calendar day it belongs to depends on
-// the time zone it is read in; everything that speaks of days goes through
-// core::Dates with the device's zone.
-using Date = std::chrono::sys_time<std::chrono::milliseconds>;
+// The instant is the seams' own value type; the core speaks of it as its own.
+using platform::Date;
 
 }  // namespace tilika::core

@@ -4,14 +4,14 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/number_text.h"
+
 namespace tilika::core {
 
-// Numbers travel as text in forms, settings and stored values. These read
-// them the forgiving way the stored data expects: leading spaces are
-// skipped, reading stops at the first character that doesn't fit, and a text
-// with no number at all reads as zero. They never depend on the C locale.
-int intValue(std::string_view text);
-double floatValue(std::string_view text);
+// Numbers are read from text the forgiving way of the stored values; the
+// settings read them too, so the readers live with the seams.
+using platform::floatValue;
+using platform::intValue;
 
 // A number with a fixed count of decimals and a point, whatever the C locale:
 // formatFixed(3.5, 3) is "3.500".

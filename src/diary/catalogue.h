@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "diary/reference_lists.h"
-#include "platform/image_codec.h"
+#include "frame/form_row.h"
 
 namespace tilika::diary {
 
@@ -41,65 +41,10 @@ inline constexpr int medicationPeriod = 108;
 inline constexpr int popupList2 = 110;
 }  // namespace tp
 
-// One display row of an entry that holds several rows a day. Rows of times
-// (temperature, reminders) use `time`, `cap` and `index`; rows of records
-// (medication courses, sleep and walks) use `source`, the record as JSON
-// text, and `text`, its reading.
-struct MultiRow {
-    std::string time;
-    std::string cap;
-    int index = 0;
-    std::string source;
-    std::string text;
-
-    bool operator==(const MultiRow&) const = default;
-};
-
-// A row of the entry catalogue, and of every form: how one value is edited
-// and shown, with the value itself in `source` and its reading in `text`.
-struct CatalogueRow {
-    int tp = 0;
-    int listid = 0;  // the reference list the row picks from; 0 for none
-    std::string caption;
-    std::string pic;
-    std::string editcap;
-    std::string editdescr;
-    std::string field;  // the diary type this row stands for
-    bool edit = false;
-    bool required = false;
-    std::string text;
-    std::string source;
-    std::optional<std::string> oldsource;
-    std::vector<MultiRow> multiarray;
-    std::optional<bool> active;  // height and weight: the value is above zero
-
-    // The photo row of a day.
-    bool isphoto = false;
-    std::string photopath;
-    bool changephoto = false;
-
-    // Form-only keys.
-    std::string location;  // "first" or "second": two short fields share a line
-    // A photo row: what the user did with the picture (1 a new picture, 2
-    // removed) and the picture itself.
-    int save = 0;
-    std::optional<platform::Image> image;
-
-    // Form keys of lists, sliders, stopwatches and teeth.
-    std::vector<ListRow> list;      // the items of a list row
-    std::vector<ListRow> listdata;  // ready items of a list not kept among the reference lists
-    int celltype = 0;               // how the items of a list row are drawn
-    int listtype = 0;               // 1 one choice, 2 many
-    int listedittype = 0;           // how a new item is added: 1, 2 or 3
-    std::string scalemin;
-    std::string scalemax;
-    std::string scaletype;  // "3" keeps three decimals
-    bool startactive = false;
-    std::string autocalc;  // "start", "end" or "length" of one span
-    bool startbutton = false;
-    std::string startprogress;
-    std::string tooth;  // the teeth known before, joined by "<tr>"
-};
+// The catalogue of entries is a table of form rows: the day editor edits a
+// day through the same form engine as every other form.
+using frame::MultiRow;
+using CatalogueRow = frame::FormRow;
 
 // Appends one row with an empty value and reading.
 void addToNoteInit(std::vector<CatalogueRow>& rows, std::string pic, std::string caption, int type,

@@ -11,8 +11,7 @@
 #include "diary/day_rows.h"
 #include "diary/display_texts.h"
 #include "diary/value_codecs.h"
-#include "medication/courses.h"
-#include "medication/regimen_texts.h"
+#include "frame/course_amounts.h"
 #include "platform/folders.h"
 #include "platform/log.h"
 
@@ -70,7 +69,8 @@ std::string DayNote::value(std::string_view type) const {
     return it == values.end() ? std::string() : it->second;
 }
 
-DiaryStore::DiaryStore(core::Context& context) : context_(context), lists_(context) {}
+DiaryStore::DiaryStore(core::Context& context, const CoursesOfDay& courses)
+    : context_(context), courses_(courses), lists_(context) {}
 
 DiaryStore::Window DiaryStore::yearOfLife(core::Date birthday, int year) const {
     const core::Dates& dates = context_.dates;
@@ -347,7 +347,7 @@ void DiaryStore::saveNoteData(int flag, std::vector<CatalogueRow>& data,
             }
         }
         rows.deleteDay(date, gid);
-        medication::Courses courses(*db, dates);
+        bool coursesKept = true;
         for (CatalogueRow& row : data) {
             switch (row.tp) {
                 case tp::photo:
@@ -363,7 +363,9 @@ void DiaryStore::saveNoteData(int flag, std::vector<CatalogueRow>& data,
                 case tp::medication: {
                     const std::string old = row.oldsource.value_or("");
                     rows.insertValue(row.field, old, date, gid, false, false);
-                    courses.saveNoteComplex(row.field, row.source, date, gid, list, old);
+                    coursesKept =
+                        courses_.reconcile(*db, row.field, row.source, date, gid, list, old) &&
+                        coursesKept;
                     row.oldsource.reset();
                     break;
                 }
@@ -372,7 +374,7 @@ void DiaryStore::saveNoteData(int flag, std::vector<CatalogueRow>& data,
                     break;
             }
         }
-        if (rows.failed() || courses.failed()) {
+        if (rows.failed() || !coursesKept) {
             // Leaving the transaction uncommitted keeps the day as it was.
             platform::log("The day could not be saved whole; it is kept as it was");
             return;
@@ -463,13 +465,13 @@ void DiaryStore::updateNoteToday(CatalogueRow& row, const std::vector<ListRow>& 
         // The fields of medication records as old versions stored them, by
         // the positions of the pickers.
         case tp::medicationLength:
-            row.text = medication::intervalToRead(source, true);
+            row.text = frame::intervalToRead(source, true);
             break;
         case tp::medicationDose:
-            row.text = medication::dozaToRead(source);
+            row.text = frame::dozaToRead(source);
             break;
         case tp::medicationPeriod:
-            row.text = medication::periodToRead(source);
+            row.text = frame::periodToRead(source);
             break;
         default:
             // The kinds of the other editions (pregnancy, the woman's diary)

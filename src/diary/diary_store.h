@@ -8,6 +8,7 @@
 
 #include "core/date.h"
 #include "diary/catalogue.h"
+#include "diary/courses_of_day.h"
 #include "diary/profiles.h"
 #include "diary/reference_lists.h"
 
@@ -79,7 +80,9 @@ struct TablePosition {
 // Reading and writing the diary's days.
 class DiaryStore {
 public:
-    explicit DiaryStore(core::Context& context);
+    // `courses` keeps the medication courses of a saved day in line on the
+    // other days they reach.
+    DiaryStore(core::Context& context, const CoursesOfDay& courses);
 
     // The days of a year of the child's life (or one day, or the whole
     // childhood for the measures), in date order, as `regim` asks.
@@ -136,6 +139,7 @@ private:
                      int regim, bool simple, std::string_view gid) const;
 
     core::Context& context_;
+    const CoursesOfDay& courses_;
     ReferenceLists lists_;
     std::optional<core::Date> lastValueDate_;
 };

@@ -54,24 +54,6 @@ std::string productName(std::string_view cap) {
 
 }  // namespace
 
-std::string checkStringToRead(std::string_view value, const std::vector<ListRow>& listDat) {
-    std::string text;
-    if (value.empty()) {
-        return text;
-    }
-    for (const std::string& item : core::split(value, "<tr>")) {
-        const ListRow* row = listByIndex(item, listDat);
-        if (row == nullptr) {
-            continue;
-        }
-        if (!text.empty()) {
-            text += "\n";
-        }
-        text += captionText(row->cap);
-    }
-    return text;
-}
-
 std::string toothStringToRead(std::string_view value) {
     std::string text;
     for (const std::string& item : core::split(value, "<tr>")) {

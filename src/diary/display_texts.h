@@ -5,14 +5,13 @@
 #include <vector>
 
 #include "diary/reference_lists.h"
+#include "frame/list_choices.h"
 
 // How a stored value reads in the diary, the day editor and the reports. A
 // value that can't be read gives "" (or the part that could be read).
 namespace tilika::diary {
 
-// The captions of the list rows a value names, one a line; rows that are no
-// longer in the list are left out without a trace.
-std::string checkStringToRead(std::string_view value, const std::vector<ListRow>& listDat);
+using frame::checkStringToRead;
 
 // One line per change of teeth: "Прорезался верхний клык (53)", "Выпал ...".
 std::string toothStringToRead(std::string_view value);

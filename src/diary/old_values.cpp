@@ -7,7 +7,7 @@
 #include "core/text.h"
 #include "core/words.h"
 #include "diary/value_codecs.h"
-#include "medication/regimen_texts.h"
+#include "frame/course_amounts.h"
 
 namespace tilika::diary {
 namespace {
@@ -221,11 +221,11 @@ std::string oldValueToJson(std::string_view field, std::string_view value,
 std::vector<std::string> oldListFor(int list, int component) {
     // Old records stored the positions of the same wheels the course form
     // still shows.
-    if (list < static_cast<int>(medication::Picker::length) ||
-        list > static_cast<int>(medication::Picker::inter)) {
+    if (list < static_cast<int>(frame::Picker::length) ||
+        list > static_cast<int>(frame::Picker::inter)) {
         return {};
     }
-    return medication::pickerRows(static_cast<medication::Picker>(list), component);
+    return frame::pickerRows(static_cast<frame::Picker>(list), component);
 }
 
 std::string oldList(std::string_view field, std::string_view value) {

@@ -24,17 +24,6 @@ constexpr std::string_view kNoCaption = "Без названия";
 constexpr int kFoodUnitOffset = 9;
 constexpr int kFoodUnits = 5;
 
-// Old values refer to rows by their number; anything this short can't be a
-// guid.
-constexpr std::size_t kShortestGuid = 10;
-
-std::string widenOldId(std::string_view guid) {
-    if (guid.size() < kShortestGuid) {
-        return core::newID2(core::idkind::listRow, guid);
-    }
-    return std::string(guid);
-}
-
 // Reads a list and notes the recovery row on the way; the diary can't tell
 // an illness from its end without it.
 std::vector<ListRow> readList(SQLite::Database& db, int cotype, std::string_view checked,
@@ -179,7 +168,7 @@ void ReferenceLists::correctConstList(const std::vector<ListRow>& incoming) {
                 continue;
             }
             ListRow added = row;
-            added.index = widenOldId(row.index);
+            added.index = frame::widenOldId(row.index);
             insertConst(*db, added.tp, added.cap, added.deleted, added.index);
             // A record may carry the same row twice.
             known.push_back(std::move(added));
@@ -259,16 +248,6 @@ void ReferenceLists::loadCheckData(std::vector<std::string>& guids, int seltypei
     }
 }
 
-const ListRow* listByIndex(std::string_view guid, const std::vector<ListRow>& list) {
-    if (guid.empty()) {
-        return nullptr;
-    }
-    const std::string wanted = widenOldId(guid);
-    const auto found = std::find_if(list.begin(), list.end(),
-                                    [&](const ListRow& row) { return row.index == wanted; });
-    return found == list.end() ? nullptr : &*found;
-}
-
 void addToList(std::vector<ListRow>& list, std::string index, std::string name, int tp,
                bool checked) {
     ListRow row;
@@ -279,10 +258,6 @@ void addToList(std::vector<ListRow>& list, std::string index, std::string name, 
     row.celltype = 1;
     row.checked = checked;
     list.push_back(std::move(row));
-}
-
-std::string captionText(std::string_view coname) {
-    return std::string(coname.substr(0, coname.find(kTail)));
 }
 
 std::string meraToRead(int code) {

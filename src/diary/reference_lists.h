@@ -6,6 +6,9 @@
 #include <utility>
 #include <vector>
 
+#include "frame/form_row.h"
+#include "frame/list_choices.h"
+
 namespace tilika::core {
 struct Context;
 }
@@ -40,17 +43,11 @@ inline constexpr int ordinaryIllness = 3;  // an illness the user added, not on 
 inline constexpr int recovery = 4;         // in the illnesses: the child has recovered
 }  // namespace rowstate
 
-// One row of a reference list in memory.
-struct ListRow {
-    std::string cap;    // the caption as stored, tail included
-    std::string index;  // the row's guid
-    int tp = 0;         // its cotype
-    int deleted = 0;
-    int celltype = 1;
-    bool checked = false;
-
-    bool operator==(const ListRow&) const = default;
-};
+// The rows of the reference lists are the items a form's list rows pick
+// from.
+using frame::captionText;
+using frame::listByIndex;
+using frame::ListRow;
 
 // What a list screen tells the user when a protected row is to be removed.
 inline constexpr std::string_view kDeleteRowTitle = "Удаление строки";
@@ -131,16 +128,9 @@ private:
     std::string boleznId_;
 };
 
-// The row of this guid, or of an old numeric id (a text shorter than 10
-// characters, widened to the kind-2 guid of that number).
-const ListRow* listByIndex(std::string_view guid, const std::vector<ListRow>& list);
-
 // Appends a row in memory only, as the user's own row.
 void addToList(std::vector<ListRow>& list, std::string index, std::string name, int tp,
                bool checked);
-
-// A caption is shown up to its tail: the part from the first "<tr>" on.
-std::string captionText(std::string_view coname);
 
 // The name of a food unit by its code 1 to 5 ("Миллилитры (мил.)", ...); ""
 // for any other code.

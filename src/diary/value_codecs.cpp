@@ -5,7 +5,7 @@
 
 #include "core/text.h"
 #include "core/words.h"
-#include "medication/regimen_texts.h"
+#include "diary/course_texts.h"
 
 namespace tilika::diary {
 namespace {
@@ -297,7 +297,7 @@ std::vector<MultiRow> multi2FromString(std::string_view value, const std::vector
         if (type == tp::periods) {
             row.text = readInterval(element);
         } else if (type == tp::medication) {
-            row.text = medication::pillsToRead(row.source, listData, forDate, dates);
+            row.text = pillsToRead(row.source, listData, forDate, dates);
         }
         rows.push_back(std::move(row));
     }

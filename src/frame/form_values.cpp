@@ -3,9 +3,9 @@
 #include <algorithm>
 
 #include "core/text.h"
-#include "diary/display_texts.h"
+#include "frame/course_amounts.h"
 #include "frame/form_kinds.h"
-#include "medication/regimen_texts.h"
+#include "frame/list_choices.h"
 
 namespace tilika::frame {
 
@@ -87,7 +87,7 @@ std::string sliderSource(double position, std::string_view scaletype) {
     return core::formatFixed(position, scaletype == "3" ? 3 : 1);
 }
 
-void checkTableItem(diary::CatalogueRow& row, std::size_t item) {
+void checkTableItem(FormRow& row, std::size_t item) {
     if (item >= row.list.size()) {
         return;
     }
@@ -101,7 +101,7 @@ void checkTableItem(diary::CatalogueRow& row, std::size_t item) {
     row.source = checkedIndices(row.list);
 }
 
-std::string checkedIndices(const std::vector<diary::ListRow>& list) {
+std::string checkedIndices(const std::vector<ListRow>& list) {
     std::vector<std::string> checked;
     for (const auto& entry : list) {
         if (entry.checked) {
@@ -154,16 +154,16 @@ std::string teethSource(std::string_view tooth, const std::vector<bool>& marks) 
     return core::join(changes, "<tr>");
 }
 
-std::string shownValue(const diary::CatalogueRow& row, const std::vector<diary::ListRow>& list) {
+std::string shownValue(const FormRow& row, const std::vector<ListRow>& list) {
     switch (row.tp) {
         case formkind::listPick:
-            return diary::checkStringToRead(row.source, list);
+            return checkStringToRead(row.source, list);
         case formkind::dosePicker:
-            return medication::dozaToRead3(row.source);
+            return dozaToRead3(row.source);
         case formkind::oftenPicker:
-            return medication::periodToRead3(row.source);
+            return periodToRead3(row.source);
         case formkind::lengthPicker:
-            return medication::intervalToRead3(row.source, false);
+            return intervalToRead3(row.source, false);
         case formkind::dateTime:
         case formkind::moment:
         case formkind::momentEntry:
@@ -175,7 +175,7 @@ std::string shownValue(const diary::CatalogueRow& row, const std::vector<diary::
 
 std::vector<std::string> timesOf(std::string_view source) {
     if (source.empty()) {
-        source = medication::kFallbackTimes;
+        source = kFallbackTimes;
     }
     return core::split(source, "<td>");
 }
@@ -244,7 +244,7 @@ void fillSources(FormRows& rows, const std::map<std::string, std::string>& defau
     }
 }
 
-bool removesRecord(const diary::CatalogueRow& row) {
+bool removesRecord(const FormRow& row) {
     return row.tp == formkind::button && row.field == "remove";
 }
 

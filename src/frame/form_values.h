@@ -6,11 +6,9 @@
 #include <string_view>
 #include <vector>
 
-#include "diary/catalogue.h"
+#include "frame/form_row.h"
 
 namespace tilika::frame {
-
-using FormRows = std::vector<diary::CatalogueRow>;
 
 // Minutes as "HH:mm", each part the last two digits: 90 is "01:30"; no value
 // is "00:00".
@@ -33,9 +31,9 @@ std::string sliderSource(double position, std::string_view scaletype);
 // A tap on an item of a list row: with one choice it clears all and then
 // flips the item, so a second tap leaves nothing; with many it flips the
 // item. The row's value becomes the checked indices joined by "<tr>".
-void checkTableItem(diary::CatalogueRow& row, std::size_t item);
+void checkTableItem(FormRow& row, std::size_t item);
 // The indices of the checked items, in list order, joined by "<tr>".
-std::string checkedIndices(const std::vector<diary::ListRow>& list);
+std::string checkedIndices(const std::vector<ListRow>& list);
 
 // The value of the teeth row: each tooth newly marked adds its number, each
 // tooth no longer marked its number plus 100, joined by "<tr>".
@@ -48,7 +46,10 @@ std::vector<bool> teethMarks(std::string_view tooth, std::string_view changes);
 // What a row shows beside its caption for its value: the captions of the
 // chosen list items, the reading of a course's amounts, or the value itself.
 // A date and time row with no value shows "00:00".
-std::string shownValue(const diary::CatalogueRow& row, const std::vector<diary::ListRow>& list);
+std::string shownValue(const FormRow& row, const std::vector<ListRow>& list);
+
+// What the times row shows when it reaches the form with no value at all.
+inline constexpr std::string_view kFallbackTimes = "08:00<td>13:00<td>18:00";
 
 // The times of a times row, and that value with one of them replaced.
 // A row with no value at all starts from the fallback times.
@@ -73,7 +74,7 @@ std::optional<std::string> fieldValue(const FormRows& rows, std::string_view fie
 // Fills the value of each row that has a field from the defaults.
 void fillSources(FormRows& rows, const std::map<std::string, std::string>& defaults);
 // The row of a profile form that removes the child.
-bool removesRecord(const diary::CatalogueRow& row);
+bool removesRecord(const FormRow& row);
 
 // A form of action rows alone has no OK button.
 bool hidesOk(const FormRows& rows);

@@ -4,7 +4,7 @@
 
 #include "core/settings_keys.h"
 #include "core/text.h"
-#include "medication/regimen_texts.h"
+#include "frame/course_amounts.h"
 #include "platform/settings_store.h"
 
 namespace tilika::frame {
@@ -33,9 +33,9 @@ int menuRows(std::size_t count) {
 }
 
 WheelPicker::WheelPicker(int kind, std::string_view old) : kind_(kind) {
-    const auto picker = static_cast<medication::Picker>(kind);
+    const auto picker = static_cast<Picker>(kind);
     for (int component = 0; component < 2; ++component) {
-        rows_[component] = medication::pickerRows(picker, component);
+        rows_[component] = pickerRows(picker, component);
     }
     const auto cut = old.find("<td>");
     if (cut != std::string_view::npos) {
@@ -66,7 +66,7 @@ bool WheelPicker::select(int component, int row) {
     if (kind_ != popupkind::length) {
         return false;
     }
-    const int corrected = medication::correctLengthRow(selected_[0], selected_[1]);
+    const int corrected = correctLengthRow(selected_[0], selected_[1]);
     const bool moved = corrected != selected_[0];
     selected_[0] = corrected;
     return moved;

@@ -2,12 +2,20 @@
 
 #include "diary/value_codecs.h"
 #include "frame/form_kinds.h"
-#include "medication/regimen_texts.h"
 
 namespace tilika::medication {
 namespace {
 
 namespace formkind = frame::formkind;
+
+// The values a new course starts with in its form.
+constexpr std::string_view kNewCourseDoza = "3<td>шт.";
+constexpr std::string_view kNewCourseInter = "3<td>раз в сутки";
+constexpr std::string_view kNewCourseLength = "1<td>недели";
+constexpr std::string_view kNewCourseTimes = "08:00<td>15:00<td>22:00";
+// The captions of the period and meal rows a new course picks.
+constexpr std::string_view kNewCoursePeriod = "Ежедневно";
+constexpr std::string_view kNewCourseMeal = "Независимо от еды";
 
 struct CourseRow {
     const char* pic;

@@ -269,4 +269,13 @@ void Courses::saveNoteComplex(std::string_view type, std::string_view value, cor
     }
 }
 
+bool CourseReconciler::reconcile(SQLite::Database& db, std::string_view type,
+                                 std::string_view value, core::Date day, std::string_view gid,
+                                 const std::vector<diary::ListRow>& lists,
+                                 std::string_view old) const {
+    Courses courses(db, dates_);
+    courses.saveNoteComplex(type, value, day, gid, lists, old);
+    return !courses.failed();
+}
+
 }  // namespace tilika::medication

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/date.h"
+#include "diary/courses_of_day.h"
 #include "diary/day_rows.h"
 #include "diary/reference_lists.h"
 
@@ -68,6 +69,19 @@ private:
     const core::Dates& dates_;
     diary::DayRows rows_;
     bool failed_ = false;
+};
+
+// What the diary's day save asks of the courses, answered by Courses.
+class CourseReconciler final : public diary::CoursesOfDay {
+public:
+    explicit CourseReconciler(const core::Dates& dates) : dates_(dates) {}
+
+    bool reconcile(SQLite::Database& db, std::string_view type, std::string_view value,
+                   core::Date day, std::string_view gid, const std::vector<diary::ListRow>& lists,
+                   std::string_view old) const override;
+
+private:
+    const core::Dates& dates_;
 };
 
 }  // namespace tilika::medication

@@ -21,7 +21,7 @@ SystemClock::SystemClock() : zone_(std::make_unique<ZoneCache>()) {}
 
 SystemClock::~SystemClock() = default;
 
-core::Date SystemClock::now() const {
+Date SystemClock::now() const {
     return std::chrono::time_point_cast<std::chrono::milliseconds>(
         std::chrono::system_clock::now());
 }

@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-#include "core/date.h"
+#include "platform/date.h"
 
 namespace tilika::platform {
 
@@ -13,7 +13,7 @@ class Clock {
 public:
     virtual ~Clock() = default;
 
-    virtual core::Date now() const = 0;
+    virtual Date now() const = 0;
     // IANA name of the device's current time zone, such as "Europe/Moscow".
     virtual std::string timeZoneId() const = 0;
 };
@@ -27,7 +27,7 @@ public:
     SystemClock();
     ~SystemClock() override;
 
-    core::Date now() const override;
+    Date now() const override;
     std::string timeZoneId() const override;
 
 private:
@@ -38,17 +38,17 @@ private:
 // A clock that says what it is told; for tests, benchmarks and replays.
 class ManualClock final : public Clock {
 public:
-    ManualClock(core::Date now, std::string zone) : now_(now), zone_(std::move(zone)) {}
+    ManualClock(Date now, std::string zone) : now_(now), zone_(std::move(zone)) {}
 
-    core::Date now() const override { return now_; }
+    Date now() const override { return now_; }
     std::string timeZoneId() const override { return zone_; }
 
-    void set(core::Date now) { now_ = now; }
+    void set(Date now) { now_ = now; }
     void advance(std::chrono::milliseconds by) { now_ += by; }
     void setTimeZoneId(std::string zone) { zone_ = std::move(zone); }
 
 private:
-    core::Date now_;
+    Date now_;
     std::string zone_;
 };
 

@@ -1,16 +1,8 @@
 #include "platform/settings_store.h"
 
-#include <cerrno>
 #include <cmath>
-#include <fcntl.h>
-#include <fstream>
-#include <sstream>
-#include <system_error>
-#include <unistd.h>
 
-#include "core/files.h"
-#include "core/text.h"
-#include "platform/log.h"
+#include "platform/number_text.h"
 
 namespace tilika::platform {
 namespace {
@@ -20,32 +12,6 @@ using Json = nlohmann::json;
 // Dates are kept as milliseconds since 1970 under a marker key, so that they
 // can't be mistaken for the plain numbers stored beside them.
 constexpr const char* kDateMarker = "$date";
-
-// Settings are a few kilobytes; anything this large is not a settings file.
-constexpr std::uintmax_t kLargestFile = 16 * 1024 * 1024;
-
-bool writeAll(int fd, const std::string& data) {
-    std::size_t written = 0;
-    while (written < data.size()) {
-        const ssize_t n = ::write(fd, data.data() + written, data.size() - written);
-        if (n < 0) {
-            if (errno == EINTR) {
-                continue;
-            }
-            return false;
-        }
-        written += static_cast<std::size_t>(n);
-    }
-    return true;
-}
-
-void syncFolder(const std::filesystem::path& folder) {
-    const int fd = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY);
-    if (fd >= 0) {
-        ::fsync(fd);
-        ::close(fd);
-    }
-}
 
 }  // namespace
 
@@ -62,7 +28,7 @@ bool SettingsStore::boolValue(std::string_view key) const {
     }
     if (v->is_string()) {
         const auto& text = v->get_ref<const std::string&>();
-        return text == "YES" || text == "yes" || text == "true" || core::intValue(text) != 0;
+        return text == "YES" || text == "yes" || text == "true" || platform::intValue(text) != 0;
     }
     return false;
 }
@@ -83,7 +49,7 @@ long long SettingsStore::intValue(std::string_view key) const {
         return v->get<bool>() ? 1 : 0;
     }
     if (v->is_string()) {
-        return core::intValue(v->get_ref<const std::string&>());
+        return platform::intValue(v->get_ref<const std::string&>());
     }
     return 0;
 }
@@ -97,7 +63,7 @@ double SettingsStore::doubleValue(std::string_view key) const {
         return v->get<bool>() ? 1.0 : 0.0;
     }
     if (v && v->is_string()) {
-        return core::floatValue(v->get_ref<const std::string&>());
+        return platform::floatValue(v->get_ref<const std::string&>());
     }
     return 0.0;
 }
@@ -113,104 +79,22 @@ std::string SettingsStore::textValue(std::string_view key) const {
     return {};
 }
 
-std::optional<core::Date> SettingsStore::dateValue(std::string_view key) const {
+std::optional<Date> SettingsStore::dateValue(std::string_view key) const {
     const auto v = value(key);
     if (!v || !v->is_object() || !v->contains(kDateMarker) ||
         !(*v)[kDateMarker].is_number_integer()) {
         return std::nullopt;
     }
-    return core::Date(std::chrono::milliseconds((*v)[kDateMarker].get<long long>()));
+    return Date(std::chrono::milliseconds((*v)[kDateMarker].get<long long>()));
 }
 
-void SettingsStore::setDate(std::string_view key, core::Date value) {
+void SettingsStore::setDate(std::string_view key, Date value) {
     setValue(key, Json{{kDateMarker, value.time_since_epoch().count()}});
 }
 
 void SettingsStore::helpFinish(std::string_view key) {
     setBool(key, true);
     synchronize();
-}
-
-JsonSettingsStore::JsonSettingsStore(std::filesystem::path file) : file_(std::move(file)) {
-    std::error_code error;
-    if (!std::filesystem::exists(file_, error)) {
-        return;
-    }
-    Json parsed;
-    if (std::filesystem::file_size(file_, error) <= kLargestFile && !error) {
-        std::ifstream in(file_, std::ios::binary);
-        std::stringstream buffer;
-        buffer << in.rdbuf();
-        parsed = Json::parse(buffer.str(), nullptr, false);
-    }
-    if (parsed.is_object()) {
-        values_ = std::move(parsed);
-        return;
-    }
-    const std::filesystem::path damaged = core::freePath(file_, ".damaged");
-    std::filesystem::rename(file_, damaged, error);
-    log("Settings file was damaged and has been kept as " + damaged.string());
-}
-
-JsonSettingsStore::~JsonSettingsStore() {
-    if (dirty_) {
-        synchronize();
-    }
-}
-
-std::optional<Json> JsonSettingsStore::value(std::string_view key) const {
-    const auto it = values_.find(key);
-    if (it == values_.end() || it->is_null()) {
-        return std::nullopt;
-    }
-    return *it;
-}
-
-void JsonSettingsStore::setValue(std::string_view key, Json value) {
-    values_[std::string(key)] = std::move(value);
-    dirty_ = true;
-}
-
-void JsonSettingsStore::remove(std::string_view key) {
-    if (values_.erase(std::string(key)) > 0) {
-        dirty_ = true;
-    }
-}
-
-bool JsonSettingsStore::synchronize() {
-    if (!dirty_ && std::filesystem::exists(file_)) {
-        return true;
-    }
-    std::error_code error;
-    std::filesystem::create_directories(file_.parent_path(), error);
-
-    std::filesystem::path temporary = file_;
-    temporary += ".tmp";
-    // Invalid UTF-8 from a damaged source must not make the whole file
-    // unwritable; it is replaced rather than refused.
-    const std::string text = values_.dump(4, ' ', false, Json::error_handler_t::replace) + "\n";
-
-    const int fd = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-    if (fd < 0) {
-        log("Could not write settings to " + temporary.string());
-        return false;
-    }
-    const bool written = writeAll(fd, text) && ::fsync(fd) == 0;
-    ::close(fd);
-    if (!written) {
-        std::filesystem::remove(temporary, error);
-        log("Could not write settings to " + temporary.string());
-        return false;
-    }
-    std::filesystem::rename(temporary, file_, error);
-    if (error) {
-        std::filesystem::remove(temporary, error);
-        log("Could not replace the settings file " + file_.string());
-        return false;
-    }
-    syncFolder(file_.parent_path());
-    dirty_ = false;
-    return true;
 }
 
 }  // namespace tilika::platform

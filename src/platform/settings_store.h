@@ -2,12 +2,11 @@
 
 #include <nlohmann/json.hpp>
 
-#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
 
-#include "core/date.h"
+#include "platform/date.h"
 
 namespace tilika::platform {
 
@@ -33,37 +32,16 @@ public:
     long long intValue(std::string_view key) const;
     double doubleValue(std::string_view key) const;
     std::string textValue(std::string_view key) const;
-    std::optional<core::Date> dateValue(std::string_view key) const;
+    std::optional<Date> dateValue(std::string_view key) const;
 
     void setBool(std::string_view key, bool value) { setValue(key, value); }
     void setInt(std::string_view key, long long value) { setValue(key, value); }
     void setText(std::string_view key, std::string value) { setValue(key, std::move(value)); }
-    void setDate(std::string_view key, core::Date value);
+    void setDate(std::string_view key, Date value);
 
     // One-shot marks: helpCheck is true until helpFinish has stored the mark.
     bool helpCheck(std::string_view key) const { return !boolValue(key); }
     void helpFinish(std::string_view key);
-};
-
-// The real store: one JSON file, replaced atomically on every synchronize()
-// (written beside it, flushed to disk, then renamed over it), so a crash
-// leaves either the old settings or the new ones, never half of either.
-class JsonSettingsStore final : public SettingsStore {
-public:
-    // Reads the file if it exists. A damaged file is kept aside under
-    // "<name>.damaged" and the store starts empty.
-    explicit JsonSettingsStore(std::filesystem::path file);
-    ~JsonSettingsStore() override;
-
-    std::optional<nlohmann::json> value(std::string_view key) const override;
-    void setValue(std::string_view key, nlohmann::json value) override;
-    void remove(std::string_view key) override;
-    bool synchronize() override;
-
-private:
-    std::filesystem::path file_;
-    nlohmann::json values_ = nlohmann::json::object();
-    bool dirty_ = false;
 };
 
 }  // namespace tilika::platform

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "core/date.h"
+#include "platform/date.h"
 
 namespace tilika::platform {
 
@@ -52,7 +52,7 @@ public:
     // True when the root page is on top, with no dialog over it.
     virtual bool rootIsCurrent() const = 0;
     // Opens the day editor on the given day for the active profile.
-    virtual void openDayEditor(core::Date day) = 0;
+    virtual void openDayEditor(Date day) = 0;
     // Ends any text input, closing an on-screen keyboard.
     virtual void hideKeyboard() = 0;
     // Hides the current screen behind the lock screen.

@@ -17,6 +17,7 @@
 #include "core/context.h"
 #include "core/database.h"
 #include "core/dates.h"
+#include "core/settings_file.h"
 #include "development/ruler_view.h"
 #include "diary/entry_forms.h"
 #include "diary/profile_form.h"
@@ -41,14 +42,14 @@ namespace formkind = frame::formkind;
 
 namespace {
 
-diary::CatalogueRow& addRow(frame::FormRows& rows, int tp, const char* caption, const char* field,
-                            bool required = false) {
+frame::FormRow& addRow(frame::FormRows& rows, int tp, const char* caption, const char* field,
+                       bool required = false) {
     diary::addToNoteInit(rows, "", caption, tp, 0, caption, "", field, false, required);
     return rows.back();
 }
 
-diary::ListRow item(const char* cap, const char* index) {
-    diary::ListRow row;
+frame::ListRow item(const char* cap, const char* index) {
+    frame::ListRow row;
     row.cap = cap;
     row.index = index;
     return row;
@@ -65,7 +66,7 @@ private slots:
         const std::filesystem::path data = dir_->path().toStdString();
         folders_ = std::make_unique<platform::DataFolders>(data, kResources);
         folders_->createLayout();
-        settings_ = std::make_unique<platform::JsonSettingsStore>(data / "settings.json");
+        settings_ = std::make_unique<core::JsonSettingsStore>(data / "settings.json");
         clock_.set(*dates_.dateFromString("2026-11-22 10:00"));
         database_ = std::make_unique<core::DatabaseStore>(*folders_, dates_);
         database_->fromOldVersionNewRestore();
@@ -225,7 +226,7 @@ private slots:
 
     void itemsAreAddedToLists() {
         std::optional<frame::FormRows> answer;
-        frame::DetailRequest request;
+        session::DetailRequest request;
         request.kind = 8;
         request.cap = "Болезнь";
         request.msg = "Укажите болезнь";
@@ -249,7 +250,7 @@ private slots:
         list = control<QWidget>(2);
         const auto after = list->findChildren<QAbstractButton*>(QStringLiteral("listItem"));
         QCOMPARE(after.size(), before + 1);
-        std::vector<diary::ListRow> stored;
+        std::vector<frame::ListRow> stored;
         lists_->loadConstList(stored, diary::cotype::illnesses, "");
         const auto added = std::find_if(stored.begin(), stored.end(), [](const auto& row) {
             return row.cap.starts_with("Ветрянка");
@@ -318,7 +319,7 @@ private slots:
     }
 
     void medicationCourseIsEnteredThroughTheForm() {
-        std::vector<diary::ListRow> all;
+        std::vector<frame::ListRow> all;
         lists_->loadConstList(all, diary::cotype::all, "");
         diary::EntryForm course = medication::courseForm(std::nullopt, "22.11.2026", all);
         std::optional<frame::FormRows> answer;
@@ -513,7 +514,7 @@ private slots:
     }
 
     void longFormOnAPhone() {
-        frame::DetailRequest request;
+        session::DetailRequest request;
         request.kind = 9;
         request.cap = "Размеры";
         request.msg = "Укажите размеры ребенка";
@@ -582,7 +583,7 @@ private:
         popupOk();
     }
     std::string nurofenGuid() const {
-        std::vector<diary::ListRow> medicines;
+        std::vector<frame::ListRow> medicines;
         lists_->loadConstList(medicines, diary::cotype::medicines, "");
         for (const auto& row : medicines) {
             if (row.cap == "Нурофен") {
@@ -603,7 +604,7 @@ private:
     platform::QtPictures qtPictures_{pictures_};
     std::unique_ptr<QTemporaryDir> dir_;
     std::unique_ptr<platform::DataFolders> folders_;
-    std::unique_ptr<platform::JsonSettingsStore> settings_;
+    std::unique_ptr<core::JsonSettingsStore> settings_;
     std::unique_ptr<core::DatabaseStore> database_;
     std::unique_ptr<core::AppState> state_;
     std::unique_ptr<core::Context> context_;

@@ -13,6 +13,7 @@
 
 #include "core/app_state.h"
 #include "core/dates.h"
+#include "core/settings_file.h"
 #include "frame/look.h"
 #include "frame/pictures.h"
 #include "frame/popup_panels.h"
@@ -28,7 +29,7 @@ class PopupsTest : public QObject {
 private slots:
     void init() {
         dir_ = std::make_unique<QTemporaryDir>();
-        settings_ = std::make_unique<platform::JsonSettingsStore>(
+        settings_ = std::make_unique<core::JsonSettingsStore>(
             std::filesystem::path(dir_->path().toStdString()) / "settings.json");
         state_ = std::make_unique<core::AppState>();
         popups_ = std::make_unique<frame::Popups>(
@@ -257,7 +258,7 @@ private:
     frame::Pictures pictures_{kResources / "pictures"};
     platform::QtPictures qtPictures_{pictures_};
     std::unique_ptr<QTemporaryDir> dir_;
-    std::unique_ptr<platform::JsonSettingsStore> settings_;
+    std::unique_ptr<core::JsonSettingsStore> settings_;
     std::unique_ptr<core::AppState> state_;
     std::unique_ptr<frame::Popups> popups_;
     std::unique_ptr<QWidget> window_;

@@ -13,7 +13,6 @@
 #include <QTimer>
 #include <QtTest>
 
-#include "core/application.h"
 #include "core/ids.h"
 #include "core/settings_keys.h"
 #include "diary/profiles.h"
@@ -21,7 +20,6 @@
 #include "frame/dic.h"
 #include "frame/look.h"
 #include "frame/main_menu.h"
-#include "frame/menu_blocks.h"
 #include "frame/menu_views.h"
 #include "frame/popup_panels.h"
 #include "frame/session.h"
@@ -29,6 +27,8 @@
 #include "frame/tilt_sensor.h"
 #include "platform/clock.h"
 #include "platform/settings_store.h"
+#include "session/application.h"
+#include "session/menu_blocks.h"
 
 using namespace tilika;
 
@@ -80,7 +80,7 @@ private slots:
         frame::menu::ChildBlockView* masha = blockNamed(QStringLiteral("Маша"));
         QVERIFY(masha != nullptr);
         QCOMPARE(state().activeGid, std::optional(masha->guid()));
-        QTRY_COMPARE(masha->height(), frame::blockHeight(true, masha->rowViews().size()));
+        QTRY_COMPARE(masha->height(), session::blockHeight(true, masha->rowViews().size()));
         save(root_->grab(), "menu_phone.png");
 
         // A tablet-sized window scales the layout and keeps the menu a column.
@@ -107,7 +107,7 @@ private slots:
         maria->circle()->click();
         QVERIFY(!state().activeGid);
         QTRY_VERIFY(!maria->rowViews().front()->isVisible());
-        QCOMPARE(maria->height(), frame::kClosedBlockHeight);
+        QCOMPARE(maria->height(), session::kClosedBlockHeight);
     }
 
     void settingSwitchesKeepTheirKeys() {

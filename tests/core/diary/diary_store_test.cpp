@@ -6,6 +6,7 @@
 
 #include "core/ids.h"
 #include "diary/day_rows.h"
+#include "medication/courses.h"
 #include "support/core_fixture.h"
 
 namespace tilika::diary {
@@ -15,7 +16,8 @@ namespace fs = std::filesystem;
 
 class DiaryStoreTest : public test::CoreFixture {
 protected:
-    DiaryStore store{context};
+    const medication::CourseReconciler courses{dates};
+    DiaryStore store{context, courses};
     Profiles profiles{context};
     const std::string illGuid = core::newID2(core::idkind::listRow, 66);  // Корь
     const std::string recoveryGuid = core::newID2(core::idkind::listRow, 64);  // Выздоровление

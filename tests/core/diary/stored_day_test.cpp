@@ -8,6 +8,7 @@
 #include "diary/diary_store.h"
 #include "diary/profiles.h"
 #include "diary/reference_lists.h"
+#include "medication/courses.h"
 #include "support/core_fixture.h"
 
 namespace tilika::diary {
@@ -84,7 +85,8 @@ TEST_F(StoredDayTest, EveryKindOfEntryReadsBack) {
     }
     store(misha, "note", "Другой ребенок");
 
-    DiaryStore store(context);
+    const medication::CourseReconciler courses(dates);
+    DiaryStore store(context, courses);
     std::vector<ListRow> list;
     store.lists().loadConstList(list, cotype::all, "");
     std::vector<CatalogueRow> catalogue;

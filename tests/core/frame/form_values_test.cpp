@@ -7,9 +7,8 @@
 namespace tilika::frame {
 namespace {
 
-diary::CatalogueRow row(int tp, std::string field, std::string editcap = {},
-                        bool required = false) {
-    diary::CatalogueRow result;
+FormRow row(int tp, std::string field, std::string editcap = {}, bool required = false) {
+    FormRow result;
     result.tp = tp;
     result.field = std::move(field);
     result.editcap = std::move(editcap);
@@ -132,8 +131,8 @@ TEST(FormValuesTest, WhatRowsShowAndTheTimesRow) {
     EXPECT_EQ(shownValue(length, {}), "1 неделю");
     auto pick = row(formkind::listPick, "pillname");
     pick.source = "guid-second<tr>guid-gone";
-    const std::vector<diary::ListRow> medicines{{"Нурофен", "guid-first", 101, 0, 1, false},
-                                                {"Парацетамол", "guid-second", 101, 0, 1, false}};
+    const std::vector<ListRow> medicines{{"Нурофен", "guid-first", 101, 0, 1, false},
+                                         {"Парацетамол", "guid-second", 101, 0, 1, false}};
     EXPECT_EQ(shownValue(pick, medicines), "Парацетамол");
     EXPECT_EQ(shownValue(row(formkind::dateTime, "when"), {}), "00:00");
 

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "core/app_state.h"
+#include "core/settings_file.h"
 #include "core/settings_keys.h"
 #include "frame/backgrounds.h"
 #include "frame/pictures.h"
@@ -70,7 +71,7 @@ TEST(BackgroundsTest, EachBackgroundGivesItsLook) {
 
 TEST(BackgroundsTest, ChoosingStoresAndMarksEverythingForRedrawing) {
     test::TempDir dir;
-    platform::JsonSettingsStore settings(dir.path() / "settings.json");
+    core::JsonSettingsStore settings(dir.path() / "settings.json");
     core::AppState state;
     ASSERT_EQ(backgroundItems().size(), 9u);
     EXPECT_EQ(backgroundItems()[8].file, "bs-9.png");
@@ -81,7 +82,7 @@ TEST(BackgroundsTest, ChoosingStoresAndMarksEverythingForRedrawing) {
     EXPECT_TRUE(state.lightTheme);
     EXPECT_TRUE(state.menuDirty);
     EXPECT_TRUE(state.pageDirty[5]);
-    platform::JsonSettingsStore reread(dir.path() / "settings.json");
+    core::JsonSettingsStore reread(dir.path() / "settings.json");
     EXPECT_EQ(reread.intValue(core::keys::backgroundId), 8);
 }
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "core/settings_file.h"
 #include "core/settings_keys.h"
 #include "platform/settings_store.h"
 #include "support/temp_dir.h"
@@ -70,7 +71,7 @@ TEST(PopupsTest, WelcomeOfAFirstStartAndOfANewVersion) {
     EXPECT_EQ(update.start, "Начать работу");
 
     test::TempDir dir;
-    platform::JsonSettingsStore settings(dir.path() / "settings.json");
+    core::JsonSettingsStore settings(dir.path() / "settings.json");
     settings.setBool(core::keys::firstStart, true);
     settings.setInt(core::keys::becomeActive, 17);
     settings.setBool(core::keys::rating, true);

@@ -6,6 +6,7 @@
 #include "core/context.h"
 #include "core/database.h"
 #include "core/dates.h"
+#include "core/settings_file.h"
 #include "platform/clock.h"
 #include "platform/folders.h"
 #include "platform/settings_store.h"
@@ -21,7 +22,7 @@ class CoreFixture : public ::testing::Test {
 protected:
     TempDir dir;
     platform::DataFolders folders{dir.path(), resourceDir()};
-    platform::JsonSettingsStore settings{dir.path() / "Library" / "settings.json"};
+    core::JsonSettingsStore settings{dir.path() / "Library" / "settings.json"};
     platform::ManualClock clock{core::Date{}, "Europe/Moscow"};
     core::Dates dates{clock};
     core::DatabaseStore database{folders, dates};

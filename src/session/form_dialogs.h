@@ -14,14 +14,14 @@ namespace tilika::diary {
 class ReferenceLists;
 }
 
-namespace tilika::frame {
+namespace tilika::session {
 
 // A form ready to be shown: its title, the caller's tag handed back with the
 // result, and its rows.
 struct FormContent {
     std::string caption;
     int parentFlag = 0;
-    FormRows rows;
+    frame::FormRows rows;
 };
 
 // The ready-made forms, by their number.
@@ -35,7 +35,7 @@ struct DetailRequest {
     bool edit = false;
     // For a list form whose value is "WASADDED" (or "WASADDEDREQUIRED"):
     // the items the caller has already put together.
-    std::vector<diary::ListRow> list;
+    std::vector<frame::ListRow> list;
 };
 
 // What the forms need besides the request.
@@ -50,4 +50,4 @@ struct DetailContext {
 // The rows of a ready-made form. Unknown kinds give the heading alone.
 FormContent detailPrepare(const DetailRequest& request, const DetailContext& context);
 
-}  // namespace tilika::frame
+}  // namespace tilika::session

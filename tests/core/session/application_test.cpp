@@ -1,9 +1,10 @@
-#include "core/application.h"
+#include "session/application.h"
 
 #include <gtest/gtest.h>
 
 #include "core/build_info.h"
 #include "core/ids.h"
+#include "core/settings_file.h"
 #include "core/settings_keys.h"
 #include "core/text.h"
 #include "platform/clock.h"
@@ -13,7 +14,8 @@
 #include "platform/shell.h"
 #include "support/temp_dir.h"
 
-namespace tilika::core {
+namespace tilika::session {
+using namespace core;
 namespace {
 
 using namespace std::chrono_literals;
@@ -53,7 +55,7 @@ protected:
     test::TempDir dir;
     platform::DataFolders folders{dir.path(), test::resourceDir()};
     std::filesystem::path settingsFile = dir.path() / "Library" / "settings.json";
-    platform::JsonSettingsStore settings{settingsFile};
+    core::JsonSettingsStore settings{settingsFile};
     platform::ManualClock clock{Date{}, "Europe/Moscow"};
     RecordingShell shell;
     Application app{clock, settings, folders, shell};
@@ -87,7 +89,7 @@ protected:
 TEST_F(ApplicationTest, FirstLaunchSetsUpSettingsDatabaseAndMenu) {
     launch();
 
-    platform::JsonSettingsStore stored(settingsFile);
+    core::JsonSettingsStore stored(settingsFile);
     EXPECT_TRUE(stored.boolValue(keys::chatIndi));
     EXPECT_TRUE(stored.boolValue(keys::showRec));
     EXPECT_TRUE(stored.boolValue(keys::firstStart));
@@ -156,7 +158,7 @@ TEST_F(ApplicationTest, SwitchesOldCloudModesOff) {
         settings.setInt(keys::icloud, stored);
         launch();
         EXPECT_EQ(app.state().cloudMode, expected) << stored;
-        EXPECT_EQ(platform::JsonSettingsStore(settingsFile).intValue(keys::icloud), expected);
+        EXPECT_EQ(core::JsonSettingsStore(settingsFile).intValue(keys::icloud), expected);
     }
 }
 
@@ -261,7 +263,7 @@ TEST_F(ApplicationTest, QuickStartNeedsAProfile) {
 TEST_F(ApplicationTest, RemembersWhenItWasLeft) {
     launch();
     app.willResignActive();
-    EXPECT_EQ(platform::JsonSettingsStore(settingsFile).dateValue(keys::deactive), clock.now());
+    EXPECT_EQ(core::JsonSettingsStore(settingsFile).dateValue(keys::deactive), clock.now());
     EXPECT_EQ(shell.keyboardHidden, 1);
 
     app.didEnterBackground();
@@ -319,4 +321,4 @@ TEST_F(ApplicationTest, ShowsNotificationsThatArrive) {
 }
 
 }  // namespace
-}  // namespace tilika::core
+}  // namespace tilika::session

@@ -1,4 +1,4 @@
-#include "frame/form_dialogs.h"
+#include "session/form_dialogs.h"
 
 #include <gtest/gtest.h>
 
@@ -6,8 +6,10 @@
 #include "frame/form_kinds.h"
 #include "support/core_fixture.h"
 
-namespace tilika::frame {
+namespace tilika::session {
 namespace {
+
+namespace formkind = frame::formkind;
 
 DetailRequest request(int kind, int parentFlag = 0, std::string cap = {}, std::string dat = {},
                       int cotype = 0, bool edit = false) {
@@ -118,4 +120,4 @@ TEST_F(FormDialogsTest, MeasuresAndBirth) {
 }
 
 }  // namespace
-}  // namespace tilika::frame
+}  // namespace tilika::session

@@ -1,4 +1,4 @@
-#include "frame/menu_blocks.h"
+#include "session/menu_blocks.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@
 #include "diary/profiles.h"
 #include "support/core_fixture.h"
 
-namespace tilika::frame {
+namespace tilika::session {
 namespace {
 
 class MenuBlocksTest : public test::CoreFixture {
@@ -123,4 +123,4 @@ TEST_F(MenuBlocksTest, BadgesCountWhatIsNewUpToNinetyNine) {
 }
 
 }  // namespace
-}  // namespace tilika::frame
+}  // namespace tilika::session

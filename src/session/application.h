@@ -16,11 +16,11 @@ class Shell;
 struct ScreenSize;
 }  // namespace tilika::platform
 
-namespace tilika::core {
+namespace tilika::session {
 
 // The scale of the layout constants, which are given for a 320 x 480
 // portrait screen, for a screen (or window) of this size.
-void applyScreenSize(AppState& state, platform::ScreenSize size);
+void applyScreenSize(core::AppState& state, platform::ScreenSize size);
 
 struct LaunchOptions {
     // Type of the home-screen shortcut the program was started from.
@@ -63,10 +63,10 @@ public:
     // opens today's diary entry for it.
     void quickStart(const std::string& shortcut);
 
-    AppState& state() { return state_; }
-    const Dates& dates() const { return dates_; }
-    DatabaseStore& database() { return database_; }
-    Context& context() { return context_; }
+    core::AppState& state() { return state_; }
+    const core::Dates& dates() const { return dates_; }
+    core::DatabaseStore& database() { return database_; }
+    core::Context& context() { return context_; }
 
 private:
     void fromOldVersion();
@@ -85,10 +85,10 @@ private:
     platform::SettingsStore& settings_;
     const platform::Folders& folders_;
     platform::Shell& shell_;
-    AppState state_;
-    Dates dates_;
-    DatabaseStore database_;
-    Context context_;
+    core::AppState state_;
+    core::Dates dates_;
+    core::DatabaseStore database_;
+    core::Context context_;
 };
 
-}  // namespace tilika::core
+}  // namespace tilika::session

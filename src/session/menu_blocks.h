@@ -17,7 +17,7 @@ class SettingsStore;
 // What the main menu shows, apart from the drawing: a block for each child
 // with that child's rows, the rows everybody shares, and what a tap on a row
 // does.
-namespace tilika::frame {
+namespace tilika::session {
 
 // One child as the menu shows it.
 struct ChildBlock {
@@ -76,4 +76,4 @@ enum class MenuCommand {
 };
 MenuCommand menuCommand(int id);
 
-}  // namespace tilika::frame
+}  // namespace tilika::session

@@ -1,4 +1,4 @@
-#include "medication/regimen_texts.h"
+#include "frame/course_amounts.h"
 
 #include <array>
 #include <limits>
@@ -6,10 +6,8 @@
 #include "core/dates.h"
 #include "core/text.h"
 #include "core/words.h"
-#include "diary/display_texts.h"
-#include "diary/value_codecs.h"
 
-namespace tilika::medication {
+namespace tilika::frame {
 namespace {
 
 // The stored unit abbreviations in the order of the dose wheel; old values
@@ -220,31 +218,4 @@ int pillLengthToDays(std::string_view pilllength, core::Date start, const core::
     return 0;
 }
 
-std::string pillsToRead(std::string_view course, const std::vector<diary::ListRow>& listData,
-                        std::optional<core::Date> forDate, const core::Dates& dates) {
-    const nlohmann::json record = diary::jsonToDictionary(course);
-    if (!record.is_object()) {
-        return {};
-    }
-    auto text = [&record](std::string_view key) { return diary::jsonText(record, key); };
-    std::string reading = diary::checkStringToRead(text("pillname"), listData) + ": " +
-                          dozaToRead3(text("pilldoza")) + ", " +
-                          diary::checkStringToRead(text("pillperiod"), listData) + ", " +
-                          periodToRead3(text("pillinter")) + ", " +
-                          diary::checkStringToRead(text("pilleat"), listData) + ", " +
-                          intervalToRead3(text("pilllength"), false);
-    if (!forDate) {
-        return reading;
-    }
-    // Without a readable first day there is no day of the course to tell.
-    const std::optional<core::Date> start =
-        dates.dateFromStringFormat(text("pillsdate"), core::formats::screenDay);
-    if (start) {
-        const int day = dates.getDays(*start, *forDate) + 1;
-        const int total = pillLengthToDays(text("pilllength"), *start, dates);
-        reading += " (" + std::to_string(day) + " день из " + std::to_string(total) + ")";
-    }
-    return reading;
-}
-
-}  // namespace tilika::medication
+}  // namespace tilika::frame

@@ -1,4 +1,4 @@
-#include "core/application.h"
+#include "session/application.h"
 
 #include <cctype>
 
@@ -16,7 +16,7 @@
 #include "platform/settings_store.h"
 #include "platform/shell.h"
 
-namespace tilika::core {
+namespace tilika::session {
 
 namespace {
 
@@ -67,62 +67,63 @@ Application::Application(const platform::Clock& clock, platform::SettingsStore& 
 Application::~Application() = default;
 
 bool Application::didFinishLaunching(const LaunchOptions& options) {
-    state_ = AppState{};
+    state_ = core::AppState{};
     state_.isIPad = shell_.isTablet();
 
     shell_.registerUserNotifications(kAllNotificationTypes);
 
-    settings_.remove(keys::deactive);
-    settings_.setBool(keys::webKitDiskImageCacheEnabled, false);
+    settings_.remove(core::keys::deactive);
+    settings_.setBool(core::keys::webKitDiskImageCacheEnabled, false);
 
     // Old cloud modes are switched off, not carried into the current one:
     // their users choose again.
-    if (settings_.contains(keys::icloud) && isOldCloudMode(settings_.intValue(keys::icloud))) {
-        settings_.setInt(keys::icloud, cloudmode::off);
+    if (settings_.contains(core::keys::icloud) &&
+        isOldCloudMode(settings_.intValue(core::keys::icloud))) {
+        settings_.setInt(core::keys::icloud, core::cloudmode::off);
         settings_.synchronize();
     }
 
-    if (settings_.contains(keys::newscount)) {
-        state_.newscount = settings_.intValue(keys::newscount);
+    if (settings_.contains(core::keys::newscount)) {
+        state_.newscount = settings_.intValue(core::keys::newscount);
     }
-    state_.cloudMode = settings_.contains(keys::icloud)
-                           ? static_cast<int>(settings_.intValue(keys::icloud))
-                           : cloudmode::off;
+    state_.cloudMode = settings_.contains(core::keys::icloud)
+                           ? static_cast<int>(settings_.intValue(core::keys::icloud))
+                           : core::cloudmode::off;
 
-    if (settings_.contains(keys::accelerate)) {
-        state_.accelerate = settings_.boolValue(keys::accelerate);
+    if (settings_.contains(core::keys::accelerate)) {
+        state_.accelerate = settings_.boolValue(core::keys::accelerate);
     }
-    if (settings_.contains(keys::pillsAlarm)) {
-        state_.pillsAlarm = settings_.boolValue(keys::pillsAlarm);
+    if (settings_.contains(core::keys::pillsAlarm)) {
+        state_.pillsAlarm = settings_.boolValue(core::keys::pillsAlarm);
     }
-    if (settings_.contains(keys::chatIndi)) {
-        state_.chatIndi = settings_.boolValue(keys::chatIndi);
+    if (settings_.contains(core::keys::chatIndi)) {
+        state_.chatIndi = settings_.boolValue(core::keys::chatIndi);
     } else {
-        settings_.setBool(keys::chatIndi, true);
+        settings_.setBool(core::keys::chatIndi, true);
     }
-    if (settings_.contains(keys::backgroundId)) {
-        state_.backgroundId = settings_.intValue(keys::backgroundId);
+    if (settings_.contains(core::keys::backgroundId)) {
+        state_.backgroundId = settings_.intValue(core::keys::backgroundId);
     }
-    if (settings_.contains(keys::showRec)) {
-        state_.showRec = settings_.boolValue(keys::showRec);
+    if (settings_.contains(core::keys::showRec)) {
+        state_.showRec = settings_.boolValue(core::keys::showRec);
     } else {
-        settings_.setBool(keys::showRec, true);
+        settings_.setBool(core::keys::showRec, true);
     }
     settings_.synchronize();
 
     prepareTranslate();
     correctBackground();
 
-    if (!settings_.contains(keys::appguid)) {
-        settings_.setText(keys::appguid, newID());
+    if (!settings_.contains(core::keys::appguid)) {
+        settings_.setText(core::keys::appguid, core::newID());
         settings_.synchronize();
     }
-    state_.appguid = settings_.textValue(keys::appguid);
+    state_.appguid = settings_.textValue(core::keys::appguid);
 
     fromOldVersion();
 
-    state_.menuItems = buildMenuItems(state_.langid, build::kShortVersion);
-    state_.versionKey = replaceAll(build::kShortVersion, ".", "-");
+    state_.menuItems = core::buildMenuItems(state_.langid, core::build::kShortVersion);
+    state_.versionKey = core::replaceAll(core::build::kShortVersion, ".", "-");
     state_.pageCount = pageCount(state_.menuItems);
 
     applyScreenSize(state_, shell_.screenSize());
@@ -142,7 +143,7 @@ bool Application::didFinishLaunching(const LaunchOptions& options) {
     return true;
 }
 
-void applyScreenSize(AppState& state, platform::ScreenSize size) {
+void applyScreenSize(core::AppState& state, platform::ScreenSize size) {
     // Layout constants are given for a 320 x 480 portrait screen.
     if (size.width > size.height) {
         std::swap(size.width, size.height);
@@ -152,7 +153,7 @@ void applyScreenSize(AppState& state, platform::ScreenSize size) {
 }
 
 bool Application::gotoAppStore() {
-    const std::string page = build::kStorePageUrl;
+    const std::string page = core::build::kStorePageUrl;
     if (page.empty()) {
         return false;
     }
@@ -169,18 +170,19 @@ void Application::fromOldVersion() {
 }
 
 void Application::fromOldVersionChild1() {
-    settings_.setBool(keys::firstStart, true);
+    settings_.setBool(core::keys::firstStart, true);
     settings_.synchronize();
 
     // The very first versions kept the child's birthday and sex in the
     // settings; a new installation has neither and starts from today.
-    const Date birthday = settings_.dateValue(keys::legacyBirthday).value_or(dates_.now());
-    const long long sex = settings_.intValue(keys::legacySex);
+    const core::Date birthday =
+        settings_.dateValue(core::keys::legacyBirthday).value_or(dates_.now());
+    const long long sex = settings_.intValue(core::keys::legacySex);
     SQLite::Database* db = database_.connectToBase();
     if (db == nullptr) {
         return;
     }
-    runGuarded("first profile", [&] {
+    core::runGuarded("first profile", [&] {
         SQLite::Statement update(*db,
                                  "update child set birthday=?, sex=?, sbirthdate=? where chid=1");
         const auto seconds =
@@ -220,10 +222,10 @@ void Application::didBecomeActive() {
 }
 
 void Application::checkAppStoreAlert() {
-    if (settings_.boolValue(keys::appStore) || state_.appid != edition::child) {
+    if (settings_.boolValue(core::keys::appStore) || state_.appid != core::edition::child) {
         return;
     }
-    const Date now = dates_.now();
+    const core::Date now = dates_.now();
     const std::string today = dates_.dateToString(now, "dd.MM");
     const int year = dates_.decodeDate(now).year;
 
@@ -232,7 +234,7 @@ void Application::checkAppStoreAlert() {
             continue;
         }
         const int age = year - dates_.decodeDate(*child.sbirthdate).year;
-        const std::string key = keys::birthdayGreeted(child.chid, age);
+        const std::string key = core::keys::birthdayGreeted(child.chid, age);
         if (age < 1 || settings_.boolValue(key)) {
             continue;
         }
@@ -248,7 +250,7 @@ void Application::checkAppStoreAlert() {
         alert.tag = kBirthdayAlertTag;
         alert.onClose = [this](int button) {
             if (button == 1) {
-                settings_.helpFinish(keys::appStore);
+                settings_.helpFinish(core::keys::appStore);
                 gotoAppStore();
             }
         };
@@ -257,7 +259,7 @@ void Application::checkAppStoreAlert() {
 }
 
 void Application::quickStart(const std::string& shortcut) {
-    const std::vector<std::string> pieces = split(shortcut, "|");
+    const std::vector<std::string> pieces = core::split(shortcut, "|");
     // The shortcut carries the old numeric profile id, and it becomes the
     // active profile as it stands.
     if (pieces.size() > 1) {
@@ -269,13 +271,13 @@ void Application::quickStart(const std::string& shortcut) {
 }
 
 void Application::willResignActive() {
-    settings_.setDate(keys::deactive, dates_.now());
+    settings_.setDate(core::keys::deactive, dates_.now());
     settings_.synchronize();
     shell_.hideKeyboard();
 }
 
 void Application::didEnterBackground() {
-    if (settings_.boolValue(keys::pass)) {
+    if (settings_.boolValue(core::keys::pass)) {
         shell_.coverWithLock();
     }
 }
@@ -363,4 +365,4 @@ void Application::updateNoteAlarms() {}
 
 void Application::updatePillsAlarms() {}
 
-}  // namespace tilika::core
+}  // namespace tilika::session

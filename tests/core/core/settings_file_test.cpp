@@ -1,13 +1,14 @@
-#include "platform/settings_store.h"
+#include "core/settings_file.h"
 
 #include <gtest/gtest.h>
 
 #include <fstream>
 #include <sstream>
 
+#include "core/date.h"
 #include "support/temp_dir.h"
 
-namespace tilika::platform {
+namespace tilika::core {
 namespace {
 
 namespace fs = std::filesystem;
@@ -119,4 +120,4 @@ TEST(JsonSettingsStore, ReportsAFolderItCannotWriteTo) {
 }
 
 }  // namespace
-}  // namespace tilika::platform
+}  // namespace tilika::core

@@ -1,4 +1,4 @@
-#include "frame/form_dialogs.h"
+#include "session/form_dialogs.h"
 
 #include <array>
 
@@ -7,11 +7,13 @@
 #include "diary/value_codecs.h"
 #include "frame/form_kinds.h"
 
-namespace tilika::frame {
+namespace tilika::session {
 
 namespace {
 
 using diary::addToNoteInit;
+using frame::FormRows;
+namespace formkind = frame::formkind;
 
 diary::CatalogueRow& add(FormRows& rows, int kind, std::string caption, std::string field,
                          bool required = false) {
@@ -153,8 +155,9 @@ FormContent detailPrepare(const DetailRequest& request, const DetailContext& con
                 row.startbutton = true;
                 row.startprogress = progress;
                 const std::string minutes = member(values, field);
-                row.source = mtt(minutes.empty() ? std::optional<long long>()
-                                                 : std::optional<long long>(ttm(minutes)));
+                row.source =
+                    frame::mtt(minutes.empty() ? std::optional<long long>()
+                                               : std::optional<long long>(frame::ttm(minutes)));
             }
             break;
         }
@@ -176,4 +179,4 @@ FormContent detailPrepare(const DetailRequest& request, const DetailContext& con
     return form;
 }
 
-}  // namespace tilika::frame
+}  // namespace tilika::session

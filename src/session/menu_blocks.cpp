@@ -1,4 +1,4 @@
-#include "frame/menu_blocks.h"
+#include "session/menu_blocks.h"
 
 #include <algorithm>
 #include <charconv>
@@ -12,7 +12,7 @@
 #include "frame/navigation.h"
 #include "platform/settings_store.h"
 
-namespace tilika::frame {
+namespace tilika::session {
 
 std::vector<ChildBlock> childBlocks(core::Context& context) {
     const core::AppState& state = context.state;
@@ -145,7 +145,7 @@ MenuCommand menuCommand(int id) {
     if (id < 20) {
         return MenuCommand::openPage;
     }
-    if (menuSettingKey(id)) {
+    if (frame::menuSettingKey(id)) {
         return MenuCommand::setting;
     }
     switch (id) {
@@ -163,4 +163,4 @@ MenuCommand menuCommand(int id) {
     }
 }
 
-}  // namespace tilika::frame
+}  // namespace tilika::session
