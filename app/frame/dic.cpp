@@ -29,6 +29,7 @@
 #include "frame/look.h"
 #include "frame/pictures.h"
 #include "frame/popup_panels.h"
+#include "frame/scroll_view.h"
 #include "frame/translation.h"
 #include "platform/qt_canvas.h"
 #include "platform/qt_pictures.h"
@@ -100,7 +101,7 @@ void dic::buildFrame() {
     connect(cancel_, &QPushButton::clicked, this, &dic::closeForm);
     connect(ok_, &QPushButton::clicked, this, &dic::closeOk);
 
-    scroll_ = new QScrollArea(this);
+    scroll_ = new ScrollView(this);
     scroll_->setObjectName(QStringLiteral("formScroll"));
     scroll_->setFrameShape(QFrame::NoFrame);
     scroll_->setWidgetResizable(true);

@@ -18,6 +18,7 @@
 #include "frame/menu_views.h"
 #include "frame/navigation.h"
 #include "frame/pictures.h"
+#include "frame/scroll_view.h"
 #include "frame/translation.h"
 #include "platform/qt_canvas.h"
 #include "platform/qt_pictures.h"
@@ -63,7 +64,7 @@ mainMenu::mainMenu(core::Context& context, const platform::QtPictures& pictures,
       context_(context),
       pictures_(pictures),
       actions_(std::move(actions)),
-      scroll_(new QScrollArea(this)),
+      scroll_(new ScrollView(this)),
       timer_(new QTimer(this)) {
     setObjectName(QStringLiteral("menuTab"));
     scroll_->setObjectName(QStringLiteral("menuScroll"));
