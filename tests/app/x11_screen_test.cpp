@@ -1,10 +1,13 @@
 // The program on a real X server. Offscreen, every picture is drawn afresh;
 // on a server, Qt moves pixels that are already on the screen when a view
-// scrolls. What the server shows must be what the widgets draw.
+// scrolls, and fonts come from the system. What the server shows must be
+// what the widgets draw.
 
 #include <QAbstractButton>
 #include <QApplication>
 #include <QDir>
+#include <QLabel>
+#include <QMessageBox>
 #include <QScreen>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -13,6 +16,8 @@
 #include <QtTest>
 
 #include "core/application.h"
+#include "core/context.h"
+#include "core/dates.h"
 #include "core/ids.h"
 #include "diary/profiles.h"
 #include "frame/background_screen.h"
@@ -46,6 +51,18 @@ double differingShare(const QImage& shown, const QImage& drawn) {
         }
     }
     return static_cast<double>(differing) / (static_cast<double>(a.width()) * a.height());
+}
+
+// Pixels of a strong colour, as no text or grey of a dialog has.
+int colourfulPixels(const QImage& image) {
+    int count = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            const QColor c = image.pixelColor(x, y);
+            count += c.hsvSaturation() > 120 && c.value() > 120 ? 1 : 0;
+        }
+    }
+    return count;
 }
 
 }  // namespace
@@ -113,6 +130,31 @@ private slots:
             QVERIFY2(sameAsDrawn(strip), qPrintable(QStringLiteral("chooser drag %1").arg(step)));
         }
         shownOnScreen().save(screenshot("x11_chooser_scrolled.png"));
+    }
+
+    void theBirthdayGreetingShowsItsCake() {
+        launchPastWelcome();
+        const core::Dates& dates = session_->application().context().dates;
+        const std::string birth =
+            dates.dateToString(dates.addYears(dates.noTime(dates.now()), -1), "yyyy-MM-dd");
+        addChild("Маша", birth);
+        session_->application().checkAppStoreAlert();
+        QMessageBox* box = nullptr;
+        QTRY_VERIFY((box = root_->findChild<QMessageBox*>()) != nullptr);
+        QVERIFY(QTest::qWaitForWindowExposed(box));
+        settle();
+        auto* text = box->findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel"));
+        QVERIFY(text != nullptr && text->text().contains(QStringLiteral("🎂")));
+        const QPoint at = text->mapTo(box, QPoint(0, 0));
+        const QImage shown =
+            box->screen()
+                ->grabWindow(box->winId(), at.x(), at.y(), text->width(), text->height())
+                .toImage();
+        shown.save(screenshot("x11_birthday_greeting.png"));
+        // A missing glyph is an empty box in the text's own colour; the cake
+        // is the only colour there is.
+        QVERIFY(colourfulPixels(shown) > 8);
+        box->close();
     }
 
 private:
