@@ -13,7 +13,7 @@
 #include <QVBoxLayout>
 
 #include "core/app_state.h"
-#include "frame/form_shared.h"
+#include "frame/elided_label.h"
 #include "frame/look.h"
 #include "frame/scroll_view.h"
 #include "platform/qt_canvas.h"
@@ -83,7 +83,7 @@ background::background(const QString& caption, std::vector<BackgroundItem> items
         emit closed();
         deleteLater();
     });
-    auto* title = form::wrappedLabel(caption, this, 19, true);
+    auto* title = new ElidedLabel(caption, this, 19, true);
     title->setObjectName(QStringLiteral("caption"));
     title->setAlignment(Qt::AlignCenter);
     auto* header = new QHBoxLayout;

@@ -23,6 +23,7 @@
 #include "core/text.h"
 #include "development/ruler_view.h"
 #include "diary/reference_lists.h"
+#include "frame/elided_label.h"
 #include "frame/form_kinds.h"
 #include "frame/form_row_views.h"
 #include "frame/form_shared.h"
@@ -92,7 +93,7 @@ void dic::buildFrame() {
         button->setFixedSize(kTouchHeight, kTouchHeight);
         button->setIconSize(QSize(32, 32));
     }
-    title_ = wrappedLabel(QString(), this, 18, true);
+    title_ = new ElidedLabel(QString(), this, 18, true);
     title_->setAlignment(Qt::AlignCenter);
     head->addWidget(cancel_);
     head->addWidget(title_, 1);

@@ -6,6 +6,7 @@
 #include <QPainterPath>
 #include <QVBoxLayout>
 
+#include "frame/elided_label.h"
 #include "frame/form_row_views.h"
 #include "frame/form_shared.h"
 #include "frame/look.h"
@@ -22,14 +23,17 @@ constexpr int kRowGap = 5;
 constexpr int kPhotoSize = 150;
 constexpr int kCardRadius = 16;
 
-QLabel* textLabel(const QString& text, int pixelSize, bool bold, const QColor& color,
-                  QWidget* parent) {
-    QLabel* label = form::wrappedLabel(text, parent, pixelSize, bold);
+QLabel* onCard(QLabel* label, const QColor& color) {
     label->setAttribute(Qt::WA_TransparentForMouseEvents);
     // Inside a button a label would draw in the button's text role.
     label->setForegroundRole(QPalette::WindowText);
     setTextColor(label, color);
     return label;
+}
+
+QLabel* textLabel(const QString& text, int pixelSize, bool bold, const QColor& color,
+                  QWidget* parent) {
+    return onCard(form::wrappedLabel(text, parent, pixelSize, bold), color);
 }
 
 void paintPressed(QAbstractButton* button) {
@@ -221,7 +225,8 @@ ChildBlockView::ChildBlockView(const ChildBlock& block, const platform::QtPictur
     sex_ = new QLabel(this);
     sex_->setAttribute(Qt::WA_TransparentForMouseEvents);
     form::setIcon(sex_, pictures, block.sexPicture, 40);
-    name_ = textLabel(qs(block.name), 21, true, look.text, this);
+    // However long the name, it keeps to its two lines above the birth date.
+    name_ = onCard(new ElidedLabel(qs(block.name), this, 21, true), look.text);
     name_->setObjectName(QStringLiteral("name"));
     birth_ =
         textLabel(QStringLiteral("Дата рождения: ") + qs(block.birth), 14, false, look.text, this);

@@ -19,6 +19,7 @@
 #include "diary/profiles.h"
 #include "frame/background_screen.h"
 #include "frame/dic.h"
+#include "frame/elided_label.h"
 #include "frame/look.h"
 #include "frame/main_menu.h"
 #include "frame/menu_blocks.h"
@@ -270,6 +271,49 @@ private slots:
         QCOMPARE(state().backgroundId, 1LL);
     }
 
+    void aLongNameKeepsToItsPlace() {
+        launchPastWelcome();
+        QString words;
+        while (words.size() < 300) {
+            words += QStringLiteral("Анна Ивановна ");
+        }
+        words.truncate(300);
+        const QString oneWord(300, QChar(u'Ж'));
+        for (const QString& name : {words, oneWord, QStringLiteral("Маша")}) {
+            addChild(name, "2025-03-14");
+        }
+        state().menuDirty = true;
+        menu()->updateMenu();
+
+        // On the card: two lines at most, the second cut short, above the
+        // birth date; a short name as it is.
+        for (const QString& name : {words, oneWord, QStringLiteral("Маша")}) {
+            frame::menu::ChildBlockView* block = blockNamed(name);
+            QVERIFY(block != nullptr);
+            auto* label = qobject_cast<frame::ElidedLabel*>(
+                block->findChild<QLabel*>(QStringLiteral("name")));
+            QVERIFY(label != nullptr);
+            QTRY_VERIFY(label->width() > 100);
+            const QStringList lines = label->shownLines();
+            if (name.size() < 10) {
+                QCOMPARE(lines, QStringList{name});
+                continue;
+            }
+            QCOMPARE(lines.size(), 2);
+            QVERIFY(lines.back().endsWith(QChar(0x2026)));
+            for (const QString& line : lines) {
+                QVERIFY(label->fontMetrics().horizontalAdvance(line) <= label->width());
+            }
+            QVERIFY(label->heightForWidth(label->width()) <= label->height());
+            QCOMPARE(inkLines(label), 2);
+            const QLabel* birth = block->findChild<QLabel*>(QStringLiteral("birth"));
+            QVERIFY(label->geometry().bottom() < birth->geometry().top());
+            if (name == words) {
+                save(block->grab(), "menu_long_name.png");
+            }
+        }
+    }
+
     void sectionsNotYetBuiltSaySo() {
         launchPastWelcome();
         menu()->mainRow(40)->click();
@@ -300,6 +344,34 @@ private:
     void relaunch() {
         session_.reset();
         launch();
+    }
+
+    void addChild(const QString& name, const std::string& birth) {
+        diary::Profiles profiles(session_->application().context());
+        const std::string gid = core::newID();
+        diary::SetupRecord record = profiles.loadSetupData(gid);
+        record.name = name.toStdString();
+        record.sbirthdate = birth;
+        profiles.saveSetupData(diary::saveflag::cloud, record, gid);
+    }
+
+    // The lines of text a widget draws: runs of rows with ink, drawn
+    // without any background.
+    static int inkLines(QWidget* widget) {
+        QImage image(widget->size(), QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::transparent);
+        widget->render(&image, QPoint(), QRegion(), QWidget::DrawChildren);
+        int lines = 0;
+        bool inLine = false;
+        for (int y = 0; y < image.height(); ++y) {
+            bool ink = false;
+            for (int x = 0; x < image.width() && !ink; ++x) {
+                ink = qAlpha(image.pixel(x, y)) > 128;
+            }
+            lines += ink && !inLine ? 1 : 0;
+            inLine = ink;
+        }
+        return lines;
     }
 
     core::AppState& state() { return session_->application().state(); }
