@@ -71,6 +71,8 @@ mainMenu::mainMenu(core::Context& context, const platform::QtPictures& pictures,
     scroll_->setWidgetResizable(true);
     scroll_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     showBackdropThrough(scroll_);
+    // The keyboard goes from row to row; the area itself is no stop.
+    scroll_->setFocusPolicy(Qt::NoFocus);
     QScroller::grabGesture(scroll_->viewport(), QScroller::TouchGesture);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);

@@ -36,15 +36,17 @@ QLabel* textLabel(const QString& text, int pixelSize, bool bold, const QColor& c
     return onCard(form::wrappedLabel(text, parent, pixelSize, bold), color);
 }
 
-void paintPressed(QAbstractButton* button) {
-    if (!button->isDown()) {
-        return;
-    }
+// A soft shade while the button is pressed, and the focus ring.
+void paintState(QAbstractButton* button, qreal radius) {
     QPainter painter(button);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(QColor(128, 128, 128, 70));
-    painter.drawRoundedRect(QRectF(button->rect()), 8, 8);
+    const QRectF shape(button->rect());
+    if (button->isDown()) {
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(QColor(128, 128, 128, 70));
+        painter.drawRoundedRect(shape, 8, 8);
+    }
+    paintFocusRing(painter, button, shape, radius);
 }
 
 // A photo cut into a circle, or the placeholder picture when there is none.
@@ -98,7 +100,7 @@ public:
     using QAbstractButton::QAbstractButton;
 
 protected:
-    void paintEvent(QPaintEvent* /*event*/) override { paintPressed(this); }
+    void paintEvent(QPaintEvent* /*event*/) override { paintState(this, kCardRadius); }
 };
 
 }  // namespace
@@ -163,7 +165,7 @@ QString RowView::badgeText() const {
 }
 
 void RowView::paintEvent(QPaintEvent* /*event*/) {
-    paintPressed(this);
+    paintState(this, 8);
 }
 
 // ---- PictureButton ----
@@ -195,6 +197,7 @@ void PictureButton::paintEvent(QPaintEvent* /*event*/) {
     painter.setOpacity(1.0);
     painter.setPen(textColor_);
     painter.drawText(rect(), Qt::AlignCenter, text());
+    paintFocusRing(painter, this, QRectF(rect()), 10);
 }
 
 // ---- SwitchRow ----

@@ -9,6 +9,7 @@
 #include <QMessageBox>
 #include <QMouseEvent>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <QtTest>
@@ -314,6 +315,90 @@ private slots:
         }
     }
 
+    void theMenuWorksFromTheKeyboard() {
+        launchPastWelcome();
+        for (const char* name : {"Аня", "Боря"}) {
+            addChild(QString::fromUtf8(name), "2025-03-14");
+        }
+        state().activeGid.reset();
+        state().menuDirty = true;
+        menu()->updateMenu();
+        root_->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(root_));
+        root_->setFocus();
+
+        // Tab goes round the rows and switches that show, each in turn
+        // ringed and scrolled into view; Shift+Tab goes back the same way.
+        std::vector<QWidget*> round;
+        for (QWidget* focus = tab(false); focus != nullptr && round.size() < 100;
+             focus = tab(false)) {
+            if (!round.empty() && focus == round.front()) {
+                break;
+            }
+            round.push_back(focus);
+            QVERIFY2(menu()->isAncestorOf(focus) && focus->isVisible(),
+                     qPrintable(focus->objectName()));
+            QVERIFY(showsFocusRing(focus));
+            QVERIFY(menuViewport()->rect().contains(
+                QRect(focus->mapTo(menuViewport(), QPoint(0, 0)), focus->size())));
+        }
+        const auto visited = [&round](const QWidget* widget) {
+            return std::find(round.begin(), round.end(), widget) != round.end();
+        };
+        QVERIFY(visited(menu()->childBlocks().front()->circle()));
+        QVERIFY(visited(menu()->mainRow(31)));
+        QVERIFY(visited(menu()->mainRow(42)));
+        QVERIFY(visited(menu()->mainRow(53)));
+        QVERIFY(!visited(menu()->childBlocks().front()->rowViews().front()));  // closed
+        QVERIFY(!showsFocusRing(round.back()));
+        save(root_->grab(), "menu_keyboard_focus.png");
+        for (auto it = round.rbegin(); it != round.rend(); ++it) {
+            QCOMPARE(tab(true), *it);
+        }
+
+        // Enter opens a block and then a row's page; the arrows and Escape
+        // move between the pages and back as before.
+        frame::menu::ChildBlockView* block = menu()->childBlocks().front();
+        QCOMPARE(QApplication::focusWidget(), block->circle());
+        QTest::keyClick(block->circle(), Qt::Key_Return);
+        QCOMPARE(state().activeGid, std::optional(block->guid()));
+        QTRY_VERIFY(block->rowViews().front()->isVisible());
+        QCOMPARE(tab(false), block->rowViews().front());
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Enter, Qt::KeypadModifier);
+        QCOMPARE(root_->gCurTab(), 1);
+        QTRY_VERIFY(!root_->isSliding());
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Right);
+        QTRY_COMPARE(root_->gCurTab(), 2);
+        QTRY_VERIFY(!root_->isSliding());
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+        QTRY_COMPARE(root_->gCurTab(), 0);
+        QTRY_VERIFY(!root_->isSliding());
+
+        // Space and Enter turn a switch.
+        QAbstractButton* tilt = menu()->mainRow(53);
+        tilt->setFocus(Qt::TabFocusReason);
+        QTest::keyClick(tilt, Qt::Key_Space);
+        QVERIFY(tilt->isChecked());
+        QTest::keyClick(tilt, Qt::Key_Return);
+        QVERIFY(!tilt->isChecked());
+
+        // Over the menu, the chooser keeps the keys to itself.
+        QAbstractButton* backgrounds = menu()->mainRow(42);
+        backgrounds->setFocus(Qt::TabFocusReason);
+        QTest::keyClick(backgrounds, Qt::Key_Return);
+        frame::background* chooser = root_->backgroundScreen();
+        QVERIFY(chooser != nullptr);
+        for (int i = 0; i < 12; ++i) {
+            QVERIFY(chooser->isAncestorOf(tab(i % 3 == 0)));
+        }
+        QAbstractButton* second = chooser->item(2);
+        second->setFocus(Qt::TabFocusReason);
+        QTest::keyClick(second, Qt::Key_Return);
+        QCOMPARE(state().backgroundId, 2LL);
+        QTest::keyClick(second, Qt::Key_Escape);
+        QTRY_VERIFY(root_->backgroundScreen() == nullptr);
+    }
+
     void sectionsNotYetBuiltSaySo() {
         launchPastWelcome();
         menu()->mainRow(40)->click();
@@ -355,6 +440,14 @@ private:
         profiles.saveSetupData(diary::saveflag::cloud, record, gid);
     }
 
+    // Tab, or Shift+Tab, where the focus is; the widget it goes to.
+    static QWidget* tab(bool back) {
+        QWidget* focus = QApplication::focusWidget();
+        QTest::keyClick(focus, back ? Qt::Key_Backtab : Qt::Key_Tab,
+                        back ? Qt::ShiftModifier : Qt::NoModifier);
+        return QApplication::focusWidget();
+    }
+
     // The lines of text a widget draws: runs of rows with ink, drawn
     // without any background.
     static int inkLines(QWidget* widget) {
@@ -372,6 +465,25 @@ private:
             inLine = ink;
         }
         return lines;
+    }
+
+    // The focus ring's blue is in the widget's own drawing.
+    static bool showsFocusRing(QWidget* widget) {
+        const QImage image = widget->grab().toImage();
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                const QColor c = image.pixelColor(x, y);
+                if (std::abs(c.red() - 0x3d) < 24 && std::abs(c.green() - 0x8b) < 24 &&
+                    std::abs(c.blue() - 0xd9) < 24) {
+                    return true;
+                }
+            }
+        }
+        return false;
+    }
+
+    QWidget* menuViewport() {
+        return menu()->findChild<QScrollArea*>(QStringLiteral("menuScroll"))->viewport();
     }
 
     core::AppState& state() { return session_->application().state(); }
