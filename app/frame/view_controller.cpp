@@ -22,6 +22,7 @@
 #include "diary/reference_lists.h"
 #include "frame/background_screen.h"
 #include "frame/coming_page.h"
+#include "frame/dialog_width.h"
 #include "frame/dic.h"
 #include "frame/look.h"
 #include "frame/main_menu.h"
@@ -97,6 +98,7 @@ ViewController::ViewController(RootServices services, QWidget* parent)
       context_(services_.application.context()),
       tilt_(new TiltSensor(this)) {
     setWindowTitle(QStringLiteral("Тилика"));
+    new DialogWidthLimit(this);
     setFocusPolicy(Qt::StrongFocus);
     popups_ =
         std::make_unique<Popups>(state_, context_.settings, services_.pictures,

@@ -15,6 +15,8 @@
 #include <QtTest>
 
 #include "core/application.h"
+#include "core/context.h"
+#include "core/dates.h"
 #include "core/ids.h"
 #include "core/settings_keys.h"
 #include "diary/profiles.h"
@@ -313,6 +315,21 @@ private slots:
                 save(block->grab(), "menu_long_name.png");
             }
         }
+
+        // The birthday greeting names the child in full, and still keeps
+        // within the phone's window, all its text shown.
+        const core::Dates& dates = session_->application().context().dates;
+        addChild(oneWord,
+                 dates.dateToString(dates.addYears(dates.noTime(dates.now()), -1), "yyyy-MM-dd"));
+        session_->application().checkAppStoreAlert();
+        QMessageBox* box = nullptr;
+        QTRY_VERIFY((box = root_->findChild<QMessageBox*>()) != nullptr && box->isVisible());
+        QTRY_VERIFY(box->width() <= root_->width());
+        auto* text = box->findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel"));
+        QVERIFY(QString(text->text()).remove(QChar(0x200B)).contains(oneWord));
+        QVERIFY(text->geometry().right() < box->width());
+        QVERIFY(text->height() >= text->heightForWidth(text->width()));
+        box->close();
     }
 
     void theMenuWorksFromTheKeyboard() {
