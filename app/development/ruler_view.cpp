@@ -7,6 +7,8 @@
 #include <QScroller>
 #include <QVBoxLayout>
 
+#include "frame/scroll_view.h"
+
 namespace tilika::development {
 
 namespace {
@@ -15,7 +17,7 @@ constexpr int kSettleMs = 250;
 constexpr int kRulerHeight = 44;
 
 QScrollArea* makeScroll(QWidget* parent, QWidget* content) {
-    auto* scroll = new QScrollArea(parent);
+    auto* scroll = new frame::ScrollView(parent);
     scroll->setFrameShape(QFrame::NoFrame);
     scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     scroll->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);

@@ -13,8 +13,9 @@
 #include <QVBoxLayout>
 
 #include "core/app_state.h"
-#include "frame/form_shared.h"
+#include "frame/elided_label.h"
 #include "frame/look.h"
+#include "frame/scroll_view.h"
 #include "platform/qt_canvas.h"
 #include "platform/qt_pictures.h"
 
@@ -82,7 +83,7 @@ background::background(const QString& caption, std::vector<BackgroundItem> items
         emit closed();
         deleteLater();
     });
-    auto* title = form::wrappedLabel(caption, this, 19, true);
+    auto* title = new ElidedLabel(caption, this, 19, true);
     title->setObjectName(QStringLiteral("caption"));
     title->setAlignment(Qt::AlignCenter);
     auto* header = new QHBoxLayout;
@@ -108,7 +109,7 @@ background::background(const QString& caption, std::vector<BackgroundItem> items
         row->addWidget(preview);
         items_.push_back(preview);
     }
-    auto* scroll = new QScrollArea(this);
+    auto* scroll = new ScrollView(this);
     scroll->setWidget(strip);
     scroll->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     // A thin bar: it tells there is more to the right without weighing on

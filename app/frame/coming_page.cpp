@@ -6,6 +6,7 @@
 #include <QVBoxLayout>
 
 #include "core/app_state.h"
+#include "frame/elided_label.h"
 #include "frame/form_shared.h"
 #include "frame/look.h"
 #include "platform/qt_canvas.h"
@@ -25,7 +26,7 @@ comingPage::comingPage(int pageId, const QString& caption, core::AppState& state
     connect(back_, &QToolButton::clicked, this, &Tab::menuRequested);
     connect(next_, &QToolButton::clicked, this, &Tab::nextPageRequested);
 
-    caption_ = form::wrappedLabel(caption, this, 19, true);
+    caption_ = new ElidedLabel(caption, this, 19, true);
     caption_->setObjectName(QStringLiteral("caption"));
     soon_ = form::wrappedLabel({}, this, 16, false);
     soon_->setObjectName(QStringLiteral("soon"));

@@ -23,6 +23,7 @@
 #include "core/text.h"
 #include "development/ruler_view.h"
 #include "diary/reference_lists.h"
+#include "frame/elided_label.h"
 #include "frame/form_kinds.h"
 #include "frame/form_moments.h"
 #include "frame/form_row_views.h"
@@ -30,6 +31,7 @@
 #include "frame/look.h"
 #include "frame/pictures.h"
 #include "frame/popup_panels.h"
+#include "frame/scroll_view.h"
 #include "frame/translation.h"
 #include "platform/qt_canvas.h"
 #include "platform/qt_date.h"
@@ -89,7 +91,7 @@ void dic::buildFrame() {
         button->setFixedSize(kTouchHeight, kTouchHeight);
         button->setIconSize(QSize(32, 32));
     }
-    title_ = wrappedLabel(QString(), this, 18, true);
+    title_ = new ElidedLabel(QString(), this, 18, true);
     title_->setAlignment(Qt::AlignCenter);
     head->addWidget(cancel_);
     head->addWidget(title_, 1);
@@ -98,7 +100,7 @@ void dic::buildFrame() {
     connect(cancel_, &QPushButton::clicked, this, &dic::closeForm);
     connect(ok_, &QPushButton::clicked, this, &dic::closeOk);
 
-    scroll_ = new QScrollArea(this);
+    scroll_ = new ScrollView(this);
     scroll_->setObjectName(QStringLiteral("formScroll"));
     scroll_->setFrameShape(QFrame::NoFrame);
     scroll_->setWidgetResizable(true);

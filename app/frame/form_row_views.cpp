@@ -161,6 +161,7 @@ void Switch::paintEvent(QPaintEvent* /*event*/) {
     painter.setBrush(Qt::white);
     painter.setPen(QPen(QColor(0, 0, 0, 40), 1));
     painter.drawEllipse(QRectF(x, track.center().y() - knob / 2, knob, knob));
+    paintFocusRing(painter, this, QRectF(rect()), height() / 2.0);
 }
 
 // ---- TeethChart ----

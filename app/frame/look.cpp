@@ -155,6 +155,21 @@ void showBackdropThrough(QScrollArea* scroll) {
     scroll->setStyleSheet(QStringLiteral("QScrollArea { background: transparent; }"));
 }
 
+void paintFocusRing(QPainter& painter, const QWidget* widget, const QRectF& shape, qreal radius) {
+    if (!widget->hasFocus() || !widget->window()->testAttribute(Qt::WA_KeyboardFocusChange)) {
+        return;
+    }
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setBrush(Qt::NoBrush);
+    const QRectF ring = shape.adjusted(2, 2, -2, -2);
+    painter.setPen(QPen(QColor(255, 255, 255, 220), 4));
+    painter.drawRoundedRect(ring, radius, radius);
+    painter.setPen(QPen(QColor(0x3d, 0x8b, 0xd9), 2));
+    painter.drawRoundedRect(ring, radius, radius);
+    painter.restore();
+}
+
 QToolButton* headerButton(const QString& tip, QWidget* parent) {
     auto* button = new QToolButton(parent);
     button->setAutoRaise(true);

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+class QPainter;
 class QScrollArea;
 class QToolButton;
 
@@ -60,6 +61,12 @@ void correctBackground(QWidget* view, bool bd, core::AppState& state,
 void correctBackgroundText(QWidget* view, const core::AppState& state);
 // A scroll area that lets the screen's backdrop show through.
 void showBackdropThrough(QScrollArea* scroll);
+
+// The ring round a control that has the focus, while the keyboard is what
+// moves the focus in its window, as desktop programs show it; used with a
+// finger or a mouse alone the program shows none. `shape` is the control's
+// outline; the ring lies just inside it, legible on any backdrop.
+void paintFocusRing(QPainter& painter, const QWidget* widget, const QRectF& shape, qreal radius);
 
 // A picture button of a screen's header (back, next), and its picture in
 // the look of the background in use; set it again when that changes.

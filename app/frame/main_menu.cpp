@@ -17,6 +17,7 @@
 #include "frame/menu_views.h"
 #include "frame/navigation.h"
 #include "frame/pictures.h"
+#include "frame/scroll_view.h"
 #include "frame/translation.h"
 #include "platform/qt_canvas.h"
 #include "platform/qt_pictures.h"
@@ -63,13 +64,15 @@ mainMenu::mainMenu(core::Context& context, const platform::QtPictures& pictures,
       context_(context),
       pictures_(pictures),
       actions_(std::move(actions)),
-      scroll_(new QScrollArea(this)),
+      scroll_(new ScrollView(this)),
       timer_(new QTimer(this)) {
     setObjectName(QStringLiteral("menuTab"));
     scroll_->setObjectName(QStringLiteral("menuScroll"));
     scroll_->setWidgetResizable(true);
     scroll_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     showBackdropThrough(scroll_);
+    // The keyboard goes from row to row; the area itself is no stop.
+    scroll_->setFocusPolicy(Qt::NoFocus);
     QScroller::grabGesture(scroll_->viewport(), QScroller::TouchGesture);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);

@@ -6,6 +6,7 @@
 #include <QPainterPath>
 #include <QVBoxLayout>
 
+#include "frame/elided_label.h"
 #include "frame/form_row_views.h"
 #include "frame/form_shared.h"
 #include "frame/look.h"
@@ -22,9 +23,7 @@ constexpr int kRowGap = 5;
 constexpr int kPhotoSize = 150;
 constexpr int kCardRadius = 16;
 
-QLabel* textLabel(const QString& text, int pixelSize, bool bold, const QColor& color,
-                  QWidget* parent) {
-    QLabel* label = form::wrappedLabel(text, parent, pixelSize, bold);
+QLabel* onCard(QLabel* label, const QColor& color) {
     label->setAttribute(Qt::WA_TransparentForMouseEvents);
     // Inside a button a label would draw in the button's text role.
     label->setForegroundRole(QPalette::WindowText);
@@ -32,15 +31,22 @@ QLabel* textLabel(const QString& text, int pixelSize, bool bold, const QColor& c
     return label;
 }
 
-void paintPressed(QAbstractButton* button) {
-    if (!button->isDown()) {
-        return;
-    }
+QLabel* textLabel(const QString& text, int pixelSize, bool bold, const QColor& color,
+                  QWidget* parent) {
+    return onCard(form::wrappedLabel(text, parent, pixelSize, bold), color);
+}
+
+// A soft shade while the button is pressed, and the focus ring.
+void paintState(QAbstractButton* button, qreal radius) {
     QPainter painter(button);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(QColor(128, 128, 128, 70));
-    painter.drawRoundedRect(QRectF(button->rect()), 8, 8);
+    const QRectF shape(button->rect());
+    if (button->isDown()) {
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(QColor(128, 128, 128, 70));
+        painter.drawRoundedRect(shape, 8, 8);
+    }
+    paintFocusRing(painter, button, shape, radius);
 }
 
 // A photo cut into a circle, or the placeholder picture when there is none.
@@ -94,7 +100,7 @@ public:
     using QAbstractButton::QAbstractButton;
 
 protected:
-    void paintEvent(QPaintEvent* /*event*/) override { paintPressed(this); }
+    void paintEvent(QPaintEvent* /*event*/) override { paintState(this, kCardRadius); }
 };
 
 }  // namespace
@@ -159,7 +165,7 @@ QString RowView::badgeText() const {
 }
 
 void RowView::paintEvent(QPaintEvent* /*event*/) {
-    paintPressed(this);
+    paintState(this, 8);
 }
 
 // ---- PictureButton ----
@@ -191,6 +197,7 @@ void PictureButton::paintEvent(QPaintEvent* /*event*/) {
     painter.setOpacity(1.0);
     painter.setPen(textColor_);
     painter.drawText(rect(), Qt::AlignCenter, text());
+    paintFocusRing(painter, this, QRectF(rect()), 10);
 }
 
 // ---- SwitchRow ----
@@ -222,7 +229,8 @@ ChildBlockView::ChildBlockView(const session::ChildBlock& block,
     sex_ = new QLabel(this);
     sex_->setAttribute(Qt::WA_TransparentForMouseEvents);
     form::setIcon(sex_, pictures, block.sexPicture, 40);
-    name_ = textLabel(qs(block.name), 21, true, look.text, this);
+    // However long the name, it keeps to its two lines above the birth date.
+    name_ = onCard(new ElidedLabel(qs(block.name), this, 21, true), look.text);
     name_->setObjectName(QStringLiteral("name"));
     birth_ =
         textLabel(QStringLiteral("Дата рождения: ") + qs(block.birth), 14, false, look.text, this);

@@ -28,6 +28,7 @@
 #include "frame/look.h"
 #include "frame/pictures.h"
 #include "frame/popup_layer.h"
+#include "frame/scroll_view.h"
 #include "frame/textdata.h"
 #include "frame/translation.h"
 #include "platform/qt_date.h"
@@ -222,7 +223,7 @@ void Popups::popupMenu(const QString& items, QWidget* parent, MenuAction action,
     // Dark, as the menu of a dark panel over the page.
     panel->setStyleSheet(
         QStringLiteral("#popupPanel { background: #2b2f33; border-radius: 14px; }"));
-    auto* scroll = new QScrollArea(panel);
+    auto* scroll = new ScrollView(panel);
     scroll->setObjectName(QStringLiteral("menuScroll"));
     scroll->setFrameShape(QFrame::NoFrame);
     scroll->setWidgetResizable(true);

@@ -8,6 +8,7 @@
 #include <QScroller>
 #include <QVariantAnimation>
 
+#include "frame/scroll_view.h"
 #include "platform/qt_pictures.h"
 
 namespace tilika::frame {
@@ -29,7 +30,7 @@ bool sameTarget(const PageHit& a, const PageHit& b) {
 textdata::textdata(const TextPageEnvironment& environment, const platform::QtPictures& pictures,
                    QWidget* parent)
     : QWidget(parent),
-      scroll_(new QScrollArea(this)),
+      scroll_(new ScrollView(this)),
       highlightFade_(new QVariantAnimation(this)),
       dimming_(new QVariantAnimation(this)),
       scrolling_(new QVariantAnimation(this)) {

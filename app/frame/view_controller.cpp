@@ -11,6 +11,7 @@
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QPlainTextEdit>
+#include <QScrollArea>
 #include <QTabBar>
 #include <QTextEdit>
 #include <QTimer>
@@ -20,6 +21,7 @@
 #include "diary/reference_lists.h"
 #include "frame/background_screen.h"
 #include "frame/coming_page.h"
+#include "frame/dialog_width.h"
 #include "frame/dic.h"
 #include "frame/look.h"
 #include "frame/main_menu.h"
@@ -61,6 +63,19 @@ bool usesArrows(const QWidget* widget) {
            qobject_cast<const QTabBar*>(widget) != nullptr;
 }
 
+// Enter and Return press the focused button, as Space does.
+bool pressButton(QWidget* widget, const QKeyEvent& event) {
+    auto* button = qobject_cast<QAbstractButton*>(widget);
+    if (button == nullptr || (event.key() != Qt::Key_Return && event.key() != Qt::Key_Enter) ||
+        (event.modifiers() & ~Qt::KeypadModifier) != Qt::NoModifier) {
+        return false;
+    }
+    if (!event.isAutoRepeat() && button->isEnabled()) {
+        button->click();
+    }
+    return true;
+}
+
 // Controls that a sideways drag works, inside a text view's viewport too.
 bool usesDrags(const QWidget* widget) {
     for (const QWidget* w = widget; w != nullptr; w = w->parentWidget()) {
@@ -83,6 +98,7 @@ ViewController::ViewController(RootServices services, QWidget* parent)
       context_(services_.application.context()),
       tilt_(new TiltSensor(this)) {
     setWindowTitle(QStringLiteral("Тилика"));
+    new DialogWidthLimit(this);
     setFocusPolicy(Qt::StrongFocus);
     popups_ =
         std::make_unique<Popups>(state_, context_.settings, services_.pictures,
@@ -335,7 +351,8 @@ bool ViewController::eventFilter(QObject* watched, QEvent* event) {
         if ((widget != this && !isAncestorOf(widget)) || usesArrows(widget)) {
             return false;
         }
-        return handleNavigationKey(*static_cast<QKeyEvent*>(event));
+        const auto& key = *static_cast<QKeyEvent*>(event);
+        return pressButton(widget, key) || handleNavigationKey(key);
     }
     if (!topHolder()->isAncestorOf(widget)) {
         return false;
@@ -444,6 +461,50 @@ bool ViewController::handleNavigationKey(const QKeyEvent& event) {
         gotoMenu();
     }
     return true;
+}
+
+QWidget* ViewController::layerOnTop() const {
+    // Children lie in their stacking order, the last on top.
+    const QObjectList& layers = children();
+    for (auto it = layers.rbegin(); it != layers.rend(); ++it) {
+        auto* widget = qobject_cast<QWidget*>(*it);
+        if (widget != nullptr && !widget->isWindow() && widget->isVisible() &&
+            widget->geometry().contains(rect())) {
+            return widget;
+        }
+    }
+    return nullptr;
+}
+
+bool ViewController::focusNextPrevChild(bool next) {
+    // Tab walks what lies on top; what it covers takes no keys, as it takes
+    // no taps.
+    QWidget* layer = layerOnTop();
+    if (layer == nullptr) {
+        return QWidget::focusNextPrevChild(next);
+    }
+    QWidget* start = QApplication::focusWidget();
+    if (start == nullptr || start->window() != this) {
+        start = this;
+    }
+    QWidget* widget = start;
+    do {
+        widget = next ? widget->nextInFocusChain() : widget->previousInFocusChain();
+        // The layer itself is no stop: what shows the focus is on it.
+        if (widget != nullptr && widget != layer && layer->isAncestorOf(widget) &&
+            widget->isVisible() && widget->isEnabled() && widget->focusProxy() == nullptr &&
+            (widget->focusPolicy() & Qt::TabFocus) == Qt::TabFocus) {
+            widget->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+            // A row that scrolled away comes into view.
+            for (QWidget* p = widget->parentWidget(); p != layer; p = p->parentWidget()) {
+                if (auto* area = qobject_cast<QScrollArea*>(p)) {
+                    area->ensureWidgetVisible(widget, 8, 8);
+                }
+            }
+            return true;
+        }
+    } while (widget != nullptr && widget != start);
+    return false;
 }
 
 void ViewController::onTilt(double x, bool upsideDown) {

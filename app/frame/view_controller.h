@@ -109,6 +109,7 @@ public:
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
     void resizeEvent(QResizeEvent* event) override;
     void showEvent(QShowEvent* event) override;
 
@@ -127,6 +128,9 @@ private:
     void swipeMove(QPoint global);
     void swipeEnd();
     bool handleNavigationKey(const QKeyEvent& event);
+    // What lies on top and covers the window: a popup's layer, a form, the
+    // chooser, the page, or the menu; nothing while the pages move.
+    QWidget* layerOnTop() const;
     void cancelPress(QPoint global);
     void onTilt(double x, bool upsideDown);
     void correctTilt();

@@ -9,15 +9,19 @@
 #include <QMessageBox>
 #include <QMouseEvent>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <QtTest>
 
+#include "core/context.h"
+#include "core/dates.h"
 #include "core/ids.h"
 #include "core/settings_keys.h"
 #include "diary/profiles.h"
 #include "frame/background_screen.h"
 #include "frame/dic.h"
+#include "frame/elided_label.h"
 #include "frame/look.h"
 #include "frame/main_menu.h"
 #include "frame/menu_views.h"
@@ -270,6 +274,148 @@ private slots:
         QCOMPARE(state().backgroundId, 1LL);
     }
 
+    void aLongNameKeepsToItsPlace() {
+        launchPastWelcome();
+        QString words;
+        while (words.size() < 300) {
+            words += QStringLiteral("Анна Ивановна ");
+        }
+        words.truncate(300);
+        const QString oneWord(300, QChar(u'Ж'));
+        for (const QString& name : {words, oneWord, QStringLiteral("Маша")}) {
+            addChild(name, "2025-03-14");
+        }
+        state().menuDirty = true;
+        menu()->updateMenu();
+
+        // On the card: two lines at most, the second cut short, above the
+        // birth date; a short name as it is.
+        for (const QString& name : {words, oneWord, QStringLiteral("Маша")}) {
+            frame::menu::ChildBlockView* block = blockNamed(name);
+            QVERIFY(block != nullptr);
+            auto* label = qobject_cast<frame::ElidedLabel*>(
+                block->findChild<QLabel*>(QStringLiteral("name")));
+            QVERIFY(label != nullptr);
+            QTRY_VERIFY(label->width() > 100);
+            const QStringList lines = label->shownLines();
+            if (name.size() < 10) {
+                QCOMPARE(lines, QStringList{name});
+                continue;
+            }
+            QCOMPARE(lines.size(), 2);
+            QVERIFY(lines.back().endsWith(QChar(0x2026)));
+            for (const QString& line : lines) {
+                QVERIFY(label->fontMetrics().horizontalAdvance(line) <= label->width());
+            }
+            QVERIFY(label->heightForWidth(label->width()) <= label->height());
+            QCOMPARE(inkLines(label), 2);
+            const QLabel* birth = block->findChild<QLabel*>(QStringLiteral("birth"));
+            QVERIFY(label->geometry().bottom() < birth->geometry().top());
+            if (name == words) {
+                save(block->grab(), "menu_long_name.png");
+            }
+        }
+
+        // The birthday greeting names the child in full, and still keeps
+        // within the phone's window, all its text shown.
+        const core::Dates& dates = session_->application().context().dates;
+        addChild(oneWord,
+                 dates.dateToString(dates.addYears(dates.noTime(dates.now()), -1), "yyyy-MM-dd"));
+        session_->application().checkAppStoreAlert();
+        QMessageBox* box = nullptr;
+        QTRY_VERIFY((box = root_->findChild<QMessageBox*>()) != nullptr && box->isVisible());
+        QTRY_VERIFY(box->width() <= root_->width());
+        auto* text = box->findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel"));
+        QVERIFY(QString(text->text()).remove(QChar(0x200B)).contains(oneWord));
+        QVERIFY(text->geometry().right() < box->width());
+        QVERIFY(text->height() >= text->heightForWidth(text->width()));
+        box->close();
+    }
+
+    void theMenuWorksFromTheKeyboard() {
+        launchPastWelcome();
+        for (const char* name : {"Аня", "Боря"}) {
+            addChild(QString::fromUtf8(name), "2025-03-14");
+        }
+        state().activeGid.reset();
+        state().menuDirty = true;
+        menu()->updateMenu();
+        root_->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(root_));
+        root_->setFocus();
+
+        // Tab goes round the rows and switches that show, each in turn
+        // ringed and scrolled into view; Shift+Tab goes back the same way.
+        std::vector<QWidget*> round;
+        for (QWidget* focus = tab(false); focus != nullptr && round.size() < 100;
+             focus = tab(false)) {
+            if (!round.empty() && focus == round.front()) {
+                break;
+            }
+            round.push_back(focus);
+            QVERIFY2(menu()->isAncestorOf(focus) && focus->isVisible(),
+                     qPrintable(focus->objectName()));
+            QVERIFY(showsFocusRing(focus));
+            QVERIFY(menuViewport()->rect().contains(
+                QRect(focus->mapTo(menuViewport(), QPoint(0, 0)), focus->size())));
+        }
+        const auto visited = [&round](const QWidget* widget) {
+            return std::find(round.begin(), round.end(), widget) != round.end();
+        };
+        QVERIFY(visited(menu()->childBlocks().front()->circle()));
+        QVERIFY(visited(menu()->mainRow(31)));
+        QVERIFY(visited(menu()->mainRow(42)));
+        QVERIFY(visited(menu()->mainRow(53)));
+        QVERIFY(!visited(menu()->childBlocks().front()->rowViews().front()));  // closed
+        QVERIFY(!showsFocusRing(round.back()));
+        save(root_->grab(), "menu_keyboard_focus.png");
+        for (auto it = round.rbegin(); it != round.rend(); ++it) {
+            QCOMPARE(tab(true), *it);
+        }
+
+        // Enter opens a block and then a row's page; the arrows and Escape
+        // move between the pages and back as before.
+        frame::menu::ChildBlockView* block = menu()->childBlocks().front();
+        QCOMPARE(QApplication::focusWidget(), block->circle());
+        QTest::keyClick(block->circle(), Qt::Key_Return);
+        QCOMPARE(state().activeGid, std::optional(block->guid()));
+        QTRY_VERIFY(block->rowViews().front()->isVisible());
+        QCOMPARE(tab(false), block->rowViews().front());
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Enter, Qt::KeypadModifier);
+        QCOMPARE(root_->gCurTab(), 1);
+        QTRY_VERIFY(!root_->isSliding());
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Right);
+        QTRY_COMPARE(root_->gCurTab(), 2);
+        QTRY_VERIFY(!root_->isSliding());
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+        QTRY_COMPARE(root_->gCurTab(), 0);
+        QTRY_VERIFY(!root_->isSliding());
+
+        // Space and Enter turn a switch.
+        QAbstractButton* tilt = menu()->mainRow(53);
+        tilt->setFocus(Qt::TabFocusReason);
+        QTest::keyClick(tilt, Qt::Key_Space);
+        QVERIFY(tilt->isChecked());
+        QTest::keyClick(tilt, Qt::Key_Return);
+        QVERIFY(!tilt->isChecked());
+
+        // Over the menu, the chooser keeps the keys to itself.
+        QAbstractButton* backgrounds = menu()->mainRow(42);
+        backgrounds->setFocus(Qt::TabFocusReason);
+        QTest::keyClick(backgrounds, Qt::Key_Return);
+        frame::background* chooser = root_->backgroundScreen();
+        QVERIFY(chooser != nullptr);
+        for (int i = 0; i < 12; ++i) {
+            QVERIFY(chooser->isAncestorOf(tab(i % 3 == 0)));
+        }
+        QAbstractButton* second = chooser->item(2);
+        second->setFocus(Qt::TabFocusReason);
+        QTest::keyClick(second, Qt::Key_Return);
+        QCOMPARE(state().backgroundId, 2LL);
+        QTest::keyClick(second, Qt::Key_Escape);
+        QTRY_VERIFY(root_->backgroundScreen() == nullptr);
+    }
+
     void sectionsNotYetBuiltSaySo() {
         launchPastWelcome();
         menu()->mainRow(40)->click();
@@ -300,6 +446,61 @@ private:
     void relaunch() {
         session_.reset();
         launch();
+    }
+
+    void addChild(const QString& name, const std::string& birth) {
+        diary::Profiles profiles(session_->application().context());
+        const std::string gid = core::newID();
+        diary::SetupRecord record = profiles.loadSetupData(gid);
+        record.name = name.toStdString();
+        record.sbirthdate = birth;
+        profiles.saveSetupData(diary::saveflag::cloud, record, gid);
+    }
+
+    // Tab, or Shift+Tab, where the focus is; the widget it goes to.
+    static QWidget* tab(bool back) {
+        QWidget* focus = QApplication::focusWidget();
+        QTest::keyClick(focus, back ? Qt::Key_Backtab : Qt::Key_Tab,
+                        back ? Qt::ShiftModifier : Qt::NoModifier);
+        return QApplication::focusWidget();
+    }
+
+    // The lines of text a widget draws: runs of rows with ink, drawn
+    // without any background.
+    static int inkLines(QWidget* widget) {
+        QImage image(widget->size(), QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::transparent);
+        widget->render(&image, QPoint(), QRegion(), QWidget::DrawChildren);
+        int lines = 0;
+        bool inLine = false;
+        for (int y = 0; y < image.height(); ++y) {
+            bool ink = false;
+            for (int x = 0; x < image.width() && !ink; ++x) {
+                ink = qAlpha(image.pixel(x, y)) > 128;
+            }
+            lines += ink && !inLine ? 1 : 0;
+            inLine = ink;
+        }
+        return lines;
+    }
+
+    // The focus ring's blue is in the widget's own drawing.
+    static bool showsFocusRing(QWidget* widget) {
+        const QImage image = widget->grab().toImage();
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                const QColor c = image.pixelColor(x, y);
+                if (std::abs(c.red() - 0x3d) < 24 && std::abs(c.green() - 0x8b) < 24 &&
+                    std::abs(c.blue() - 0xd9) < 24) {
+                    return true;
+                }
+            }
+        }
+        return false;
+    }
+
+    QWidget* menuViewport() {
+        return menu()->findChild<QScrollArea*>(QStringLiteral("menuScroll"))->viewport();
     }
 
     core::AppState& state() { return session_->application().state(); }
