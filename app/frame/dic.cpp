@@ -295,19 +295,13 @@ void dic::changeData(std::size_t index, const QString& value) {
     } else {
         row.source = value.toStdString();
     }
-    if (row.field == "pillinter") {
-        recomputePillTimes();
-    }
+    followRows(row.field);
     updateData();
 }
 
-void dic::recomputePillTimes() {
-    if (!pillTimes_) {
-        return;
-    }
-    const std::size_t times = frame::posByField(detailAr_, "pilltime");
-    if (times > 0) {
-        detailAr_[times - 1].source = pillTimes_(detailAr_).value_or("");
+void dic::followRows(std::string_view changed) {
+    if (followRows_) {
+        followRows_(detailAr_, changed);
     }
 }
 

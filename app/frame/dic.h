@@ -91,10 +91,11 @@ public:
     // The child the form is about; its documents are kept under its guid.
     void setGid(std::string gid) { gid_ = std::move(gid); }
 
-    // A medication form: when the doses a day or the meals change, the times
-    // row is worked out again by `pillTimes` from the form's rows.
-    using PillTimes = std::function<std::optional<std::string>(const FormRows& rows)>;
-    void setPills(PillTimes pillTimes) { pillTimes_ = std::move(pillTimes); }
+    // Rows that follow others: after the row with field `changed` took a new
+    // value, the owner may set other rows from it (a course's times follow
+    // its doses a day and its meals). Rows it changes are drawn afresh.
+    using FollowRows = std::function<void(FormRows& rows, std::string_view changed)>;
+    void setFollowRows(FollowRows follow) { followRows_ = std::move(follow); }
 
     // Asks the owner for the document screen of a documents row: its title,
     // the prefix of the files, and the value. The owner calls back with the
@@ -167,7 +168,7 @@ private:
     void afterAdd(std::size_t index, const FormRows& rows);
     void photoClick(std::size_t index);
     void actionClick(std::size_t index);
-    void recomputePillTimes();
+    void followRows(std::string_view changed);
     const std::vector<ListRow>& listOf(const FormRow& row);
 
     void startClick(std::size_t index);
@@ -195,7 +196,7 @@ private:
     std::vector<ListRow> list_;
     std::vector<std::string> hiliteData_;
     std::string gid_;
-    PillTimes pillTimes_;
+    FollowRows followRows_;
     DocumentsOpener documents_;
     PhotoPicker photoPicker_;
     // The reading lists of list rows, by reference list.

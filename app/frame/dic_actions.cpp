@@ -35,8 +35,6 @@ using namespace form;
 
 constexpr int kStopwatchTag = 213;
 constexpr int kFadeMs = 500;
-// A photo from a camera is far larger than a form, a card or a page needs.
-constexpr int kLargestPhoto = 2048;
 
 }  // namespace
 
@@ -92,7 +90,7 @@ void dic::subDetail(std::size_t index) {
         }
         request.dat = "WASADDED";
     }
-    sub_->setPills({});
+    sub_->setFollowRows({});
     sub_->detailPrepare(request, this, this, [this, index](const FormAnswer& answer) {
         subDetailCommit(index, answer.rows);
     });
@@ -108,9 +106,7 @@ void dic::subDetailCommit(std::size_t index, const FormRows& rows) {
     row.source = rows.size() > 1 ? rows[1].source : std::string();
     // The list may have grown in the sub-form.
     readingLists_.erase(row.listid);
-    if (row.field == "pilleat") {
-        recomputePillTimes();
-    }
+    followRows(row.field);
     updateData();
 }
 
@@ -232,13 +228,10 @@ void dic::photoClick(std::size_t index) {
                 if (!image || image->isNull() || !current()) {
                     return;
                 }
-                if (image->width() > kLargestPhoto || image->height() > kLargestPhoto) {
-                    *image = image->scaled(kLargestPhoto, kLargestPhoto, Qt::KeepAspectRatio,
-                                           Qt::SmoothTransformation);
-                }
                 self->correctField();
                 auto& row = self->detailAr_[index];
-                row.image = platform::QtImageCodec::fromQImage(*image);
+                row.image = fittedPhoto(platform::QtImageCodec(),
+                                        platform::QtImageCodec::fromQImage(*image));
                 row.save = 1;
                 self->updateData();
             } else if (caption == self->own("Очистить")) {

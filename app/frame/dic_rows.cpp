@@ -27,8 +27,8 @@
 #include "frame/pictures.h"
 #include "frame/popup_panels.h"
 #include "platform/qt_canvas.h"
-#include "platform/qt_image_codec.h"
 #include "platform/qt_date.h"
+#include "platform/qt_image_codec.h"
 #include "platform/qt_pictures.h"
 
 namespace tilika::frame {

@@ -6,6 +6,7 @@
 #include "frame/course_amounts.h"
 #include "frame/form_kinds.h"
 #include "frame/list_choices.h"
+#include "platform/image_codec.h"
 
 namespace tilika::frame {
 
@@ -296,6 +297,13 @@ BodyIndex bodyIndex(double rost, double ves) {
     return {
         "Индекс тела равен " + core::formatFixed(index, 1) + ".\nУ вас " + type + " телосложение.",
         core::formatFixed(index, 1)};
+}
+
+platform::Image fittedPhoto(const platform::ImageCodec& codec, platform::Image image) {
+    if (image.width > kLargestPhoto || image.height > kLargestPhoto) {
+        return codec.scaled(image, kLargestPhoto, kLargestPhoto);
+    }
+    return image;
 }
 
 }  // namespace tilika::frame

@@ -8,6 +8,10 @@
 
 #include "frame/form_row.h"
 
+namespace tilika::platform {
+class ImageCodec;
+}
+
 namespace tilika::frame {
 
 // Minutes as "HH:mm", each part the last two digits: 90 is "01:30"; no value
@@ -83,6 +87,11 @@ bool hidesOk(const FormRows& rows);
 // follows. Nothing happens unless all three rows are there. Answers the row
 // that was set, from 0.
 std::optional<std::size_t> autocalc(FormRows& rows, std::size_t changed);
+
+// A photo picked for a photo row is kept at most this many pixels on its
+// longer side: plenty for a page of the photo book, and the diary stays small.
+inline constexpr int kLargestPhoto = 2048;
+platform::Image fittedPhoto(const platform::ImageCodec& codec, platform::Image image);
 
 // The body index from height in centimetres and weight in kilograms.
 struct BodyIndex {

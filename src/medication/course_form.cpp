@@ -2,6 +2,7 @@
 
 #include "diary/value_codecs.h"
 #include "frame/form_kinds.h"
+#include "frame/form_values.h"
 
 namespace tilika::medication {
 namespace {
@@ -100,6 +101,19 @@ std::optional<std::map<std::string, std::string>> courseOfForm(
     }
     course.erase("pilltime");
     return course;
+}
+
+void followCourseTimes(std::vector<diary::CatalogueRow>& rows, std::string_view changed,
+                       const CourseTimes& times) {
+    if (changed != "pillinter" && changed != "pilleat") {
+        return;
+    }
+    const std::size_t at = frame::posByField(rows, "pilltime");
+    if (at == 0) {
+        return;
+    }
+    const auto course = courseOfForm(rows);
+    rows[at - 1].source = course ? times(*course).value_or("") : std::string();
 }
 
 }  // namespace tilika::medication

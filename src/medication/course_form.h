@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -23,5 +24,14 @@ diary::EntryForm courseForm(std::optional<std::string_view> course, std::string_
 // the doses a day or the meals are not chosen.
 std::optional<std::map<std::string, std::string>> courseOfForm(
     const std::vector<diary::CatalogueRow>& rows);
+
+// The course's times follow its doses a day and its meals: once the row of
+// `changed` took a new value, the times row gets what `times` works out from
+// the course the form holds, or is cleared when it can't be worked out.
+// Nothing happens after a change to any other row.
+using CourseTimes =
+    std::function<std::optional<std::string>(const std::map<std::string, std::string>& course)>;
+void followCourseTimes(std::vector<diary::CatalogueRow>& rows, std::string_view changed,
+                       const CourseTimes& times);
 
 }  // namespace tilika::medication

@@ -324,13 +324,12 @@ private slots:
         diary::EntryForm course = medication::courseForm(std::nullopt, "22.11.2026", all);
         std::optional<frame::FormRows> answer;
         int asked = 0;
-        form_->setPills([&](const frame::FormRows& rows) -> std::optional<std::string> {
-            ++asked;
-            const auto fields = medication::courseOfForm(rows);
-            if (!fields) {
-                return std::nullopt;
-            }
-            return fields->at("pillinter") == "2<td>раз в день" ? "09:00<td>21:00" : "12:00";
+        form_->setFollowRows([&](frame::FormRows& rows, std::string_view changed) {
+            medication::followCourseTimes(rows, changed, [&](const auto& fields) {
+                ++asked;
+                return std::optional<std::string>(
+                    fields.at("pillinter") == "2<td>раз в день" ? "09:00<td>21:00" : "12:00");
+            });
         });
         form_->prepare(course.rows, QString::fromStdString(course.caption), window_.get(), nullptr,
                        -1, course.defaults,
