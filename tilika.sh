@@ -2,6 +2,7 @@
 # One entry point for a fresh Debian 12 machine:
 #   ./tilika.sh          install what is missing, build, and start Tilika
 #   ./tilika.sh test     install what is missing, build, and run every test
+#   ./tilika.sh install [PREFIX]   build, and install Tilika into PREFIX (~/.local)
 # Anything after the command word is passed on (to the program, or to ctest).
 set -euo pipefail
 cd "$(dirname "$(readlink -f "$0")")"
@@ -47,8 +48,13 @@ case "$command" in
         build
         ctest --preset default "$@"
         ;;
+    install)
+        install_missing_packages
+        build
+        cmake --install build --prefix "${1:-$HOME/.local}"
+        ;;
     *)
-        echo "usage: ./tilika.sh [test]" >&2
+        echo "usage: ./tilika.sh [test | install [PREFIX]]" >&2
         exit 64
         ;;
 esac

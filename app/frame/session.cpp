@@ -84,6 +84,8 @@ std::filesystem::path Session::defaultDataDir() {
     return std::filesystem::path(home != nullptr ? home : ".") / ".local" / "share" / "tilika";
 }
 
+// The build puts the resources beside the executable; an installed program has
+// them where the build says the installed layout puts them, e.g. ../share/tilika.
 std::filesystem::path Session::defaultResourceDir() {
     const std::filesystem::path exeDir = QCoreApplication::applicationDirPath().toStdString();
     const std::filesystem::path beside = exeDir / "resources";
@@ -91,7 +93,7 @@ std::filesystem::path Session::defaultResourceDir() {
     if (std::filesystem::is_directory(beside, error)) {
         return beside;
     }
-    return exeDir.parent_path() / "share" / "tilika";
+    return (exeDir / TILIKA_INSTALLED_RESOURCES).lexically_normal();
 }
 
 }  // namespace tilika::frame

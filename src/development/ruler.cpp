@@ -42,7 +42,8 @@ RulerReading Ruler::read(double offset, double visible, double secondOffset,
         // to the right of its middle, where its pointer stands.
         const double digits =
             ((secondOffset + secondVisible / 2 + 23 * scale_) / (50 * scale_) - 4 * scale_) * 10;
-        std::string second = "0" + fixed(std::max(0.0, digits), 0);
+        std::string second = "0";
+        second += fixed(std::max(0.0, digits), 0);
         text += second.substr(second.size() - 2);
     }
     const double position = core::floatValue(text);

@@ -21,7 +21,8 @@ std::string_view stem(std::string_view name) {
 // The value of one attribute of the root element of our own drawings, which
 // give their size as plain numbers: width="64" height="64".
 double svgAttribute(std::string_view header, std::string_view attribute) {
-    const std::string key = " " + std::string(attribute) + "=\"";
+    std::string key = " ";
+    key.append(attribute).append("=\"");
     const auto at = header.find(key);
     if (at == std::string_view::npos) {
         return 0;
