@@ -92,6 +92,7 @@ void dic::subDetail(std::size_t index) {
     sub_->setPills({});
     sub_->detailPrepare(request, this, this, [this, index](const FormAnswer& answer) {
         subDetailCommit(index, answer.rows);
+        return true;
     });
 }
 
@@ -156,7 +157,10 @@ void dic::addToList(std::size_t index) {
     const QString caption = row.listedittype == 3 ? own("Новый продукт") : own("Новый тип");
     replaceSubForm();
     sub_->prepare(std::move(rows), caption, this, this, static_cast<int>(index) + 1, {},
-                  [this, index](const FormAnswer& answer) { afterAdd(index, answer.rows); });
+                  [this, index](const FormAnswer& answer) {
+                      afterAdd(index, answer.rows);
+                      return true;
+                  });
 }
 
 void dic::afterAdd(std::size_t index, const FormRows& rows) {

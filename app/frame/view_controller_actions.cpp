@@ -127,9 +127,11 @@ void ViewController::setupShow(std::optional<std::string> gid) {
             });
     }
     setupForm_->setGid(gid.value_or(""));
-    setupForm_->prepare(
-        content.rows, translatedText(state_, content.caption), this, this, content.parentFlag, {},
-        [this, gid](const FormAnswer& answer) { editDic(answer, gid.value_or("")); });
+    setupForm_->prepare(content.rows, translatedText(state_, content.caption), this, this,
+                        content.parentFlag, {}, [this, gid](const FormAnswer& answer) {
+                            editDic(answer, gid.value_or(""));
+                            return true;
+                        });
 }
 
 void ViewController::editDic(const FormAnswer& answer, const std::string& gid) {
