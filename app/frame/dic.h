@@ -167,7 +167,7 @@ private:
     void subDetailCommit(std::size_t index, const FormRows& rows);
     void timeClick(std::size_t index, std::size_t position);
     void addToList(std::size_t index);
-    void afterAdd(std::size_t index, const FormRows& rows);
+    bool afterAdd(std::size_t index, const FormRows& rows);
     void photoClick(std::size_t index);
     void actionClick(std::size_t index);
     void recomputePillTimes();

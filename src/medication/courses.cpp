@@ -163,7 +163,7 @@ void Courses::removeNoteComplex(std::string_view type, std::string_view key) {
     std::vector<Found> found;
     // Collected first: the rows are rewritten below, which must not happen
     // under a statement still reading the table.
-    failed_ |= !core::runGuarded("removeNoteComplex", [&] {
+    const core::WriteResult read = core::tryWrite("removeNoteComplex", [&] {
         SQLite::Statement query(db_,
                                 "select childguid, sdat, value from childdata "
                                 "where type=? and value like ? escape '\\'");
@@ -180,6 +180,9 @@ void Courses::removeNoteComplex(std::string_view type, std::string_view key) {
                              core::stringFromBase(query, 2).value_or("")});
         }
     });
+    if (read_ && !read) {
+        read_ = read;
+    }
 
     for (const Found& row : found) {
         if (!row.day || !diary::jsonIs(row.value)) {

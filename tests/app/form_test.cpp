@@ -263,6 +263,26 @@ private slots:
         QCOMPARE(QString::fromStdString(added->cap), QStringLiteral("Ветрянка<tr>1"));
         QCOMPARE(added->deleted, diary::rowstate::protectedRow);
 
+        // A type that can't be stored keeps its form, name and all, until
+        // the database takes it.
+        list->findChild<QAbstractButton*>(QStringLiteral("addItem"))->click();
+        add = form_->subForm();
+        add->findChild<QLineEdit*>()->setText(QStringLiteral("Скарлатина"));
+        database_->connectToBase()->exec("PRAGMA query_only = 1");
+        add->findChild<QPushButton*>(QStringLiteral("ok"))->click();
+        QVERIFY(add->isOpen());
+        auto* box = add->findChild<QMessageBox*>();
+        QVERIFY(box != nullptr);
+        QVERIFY(box->text().startsWith(QStringLiteral("Не удалось сохранить данные: ")));
+        box->close();
+        QCOMPARE(add->findChild<QLineEdit*>()->text(), QStringLiteral("Скарлатина"));
+        database_->connectToBase()->exec("PRAGMA query_only = 0");
+        add->findChild<QPushButton*>(QStringLiteral("ok"))->click();
+        QVERIFY(!add->isOpen());
+        QCOMPARE(
+            control<QWidget>(2)->findChildren<QAbstractButton*>(QStringLiteral("listItem")).size(),
+            before + 2);
+
         // A product needs its unit: without one the form stays open.
         frame::FormRows rows;
         auto& food = addRow(rows, formkind::list, "Продукт", "food");

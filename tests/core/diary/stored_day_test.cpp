@@ -22,7 +22,7 @@ protected:
         SetupRecord record = profiles.loadSetupData(gid);
         record.name = name;
         record.sbirthdate = birth;
-        profiles.saveSetupData(saveflag::cloud, record, gid);
+        EXPECT_TRUE(profiles.saveSetupData(saveflag::cloud, record, gid));
         return gid;
     }
 
