@@ -133,6 +133,18 @@ SQLite::Database* DatabaseStore::connectToBase() {
             backupCheckedOn_ = today;
         }
     }
+    if (db_ && sqlite3_db_readonly(db_->getHandle(), "main") == 1 &&
+        sqlite3_get_autocommit(db_->getHandle()) != 0) {
+        // A file opened while its folder refused writes stays read-only on
+        // that connection, even once the folder takes writes again; a fresh
+        // connection is tried, so that a save the user repeats can land.
+        // Never under a transaction: an operation joining one holds the
+        // connection it began with.
+        if (auto fresh = openConnection();
+            fresh && sqlite3_db_readonly(fresh->getHandle(), "main") == 0) {
+            db_ = std::move(fresh);
+        }
+    }
     if (!db_) {
         db_ = openConnection();
     }

@@ -53,7 +53,9 @@ public:
     bool fromOldVersionNewRestore();
 
     // The open connection, or nullptr when the file can't be opened; callers
-    // then do nothing, as with an empty database.
+    // then do nothing, as with an empty database. A connection that could
+    // only read is opened again when it can write by now, so an operation
+    // takes the connection as it starts and keeps it only while it runs.
     SQLite::Database* connectToBase();
     // Closes the connection; the next connectToBase() opens it again.
     void disconnectFromBase();
