@@ -208,7 +208,9 @@ SampleDiary writeSampleDiary(const std::filesystem::path& dataDir,
         record.sbirthdate = child.birth;
         record.ves = "3.300";
         record.rost = "51";
-        profiles.saveSetupData(diary::saveflag::cloud, record, child.gid);
+        if (!profiles.saveSetupData(diary::saveflag::cloud, record, child.gid)) {
+            return diary;
+        }
     }
 
     SQLite::Database* db = database.connectToBase();

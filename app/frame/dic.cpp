@@ -320,7 +320,7 @@ const std::vector<ListRow>& dic::listOf(const FormRow& row) {
 
 void dic::actionClick(std::size_t index) {
     correctField();
-    answer(index);
+    answer(index, detailAr_);
 }
 
 void dic::closeOk() {
@@ -333,20 +333,26 @@ void dic::closeOk() {
         services_.popups.message(shown(error->message), shown(error->caption), 0, this);
         return;
     }
-    answer(std::nullopt);
+    answer(std::nullopt, detailAr_);
 }
 
-void dic::answer(std::optional<std::size_t> sender) {
-    // The form closes before the caller hears of it, so a caller may open
-    // it again at once with new rows.
-    const FormAnswer answer{gParentFlag_, detailAr_, sender};
+void dic::answer(std::optional<std::size_t> sender, FormRows rows) {
     const Action action = gaction_;
-    const QPointer<QObject> target = gparent_;
-    const bool targeted = hasTarget_;
-    closeForm();
-    // Whoever heard of the closing may have let the caller go.
-    if (action && (!targeted || target != nullptr)) {
-        action(answer);
+    if (!action || (hasTarget_ && gparent_ == nullptr)) {
+        closeForm();
+        return;
+    }
+    // The caller hears while the form is still up, so that a save that
+    // failed can keep it up with what the user typed.
+    const QPointer<dic> self(this);
+    const std::uint64_t generation = generation_;
+    if (!action(FormAnswer{gParentFlag_, std::move(rows), sender})) {
+        return;
+    }
+    // The caller may have let the form go, or opened it again at once with
+    // new rows; those stay.
+    if (self != nullptr && generation_ == generation) {
+        closeForm();
     }
 }
 

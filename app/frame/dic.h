@@ -68,7 +68,9 @@ class dic final : public QWidget {
     Q_OBJECT
 
 public:
-    using Action = std::function<void(const FormAnswer& answer)>;
+    // Answers whether the form may close. A caller whose save failed tells
+    // the user and answers false: the form stays, with what was typed.
+    using Action = std::function<bool(const FormAnswer& answer)>;
 
     // The parent owns the form: a screen's window, or another form.
     explicit dic(FormServices services, QWidget* parent);
@@ -76,7 +78,8 @@ public:
 
     // Opens the form; a host in another window moves it there. Each row
     // with a field takes its value from the defaults. The action is called
-    // on OK, and only while `target` lives (no target: always).
+    // on OK, and only while `target` lives (no target: always); the form
+    // closes when it answers true.
     void prepare(FormRows rows, const QString& caption, QWidget* host, QObject* target,
                  int parentFlag, const std::map<std::string, std::string>& defaults, Action action);
     // A ready-made form.
@@ -123,7 +126,7 @@ public:
     // Reads every editable control back into its row.
     void correctField();
     // OK: checks the required rows and answers the caller, or tells what is
-    // missing and stays.
+    // missing and stays; it stays too when the caller could not save.
     void closeOk();
     // Closes without an answer.
     void closeForm();
@@ -165,7 +168,7 @@ private:
     void subDetailCommit(std::size_t index, const FormRows& rows);
     void timeClick(std::size_t index, std::size_t position);
     void addToList(std::size_t index);
-    void afterAdd(std::size_t index, const FormRows& rows);
+    bool afterAdd(std::size_t index, const FormRows& rows);
     void photoClick(std::size_t index);
     void actionClick(std::size_t index);
     void followRows(std::string_view changed);
@@ -180,7 +183,7 @@ private:
     QString own(const char* text) const;
     QString shown(const std::string& text) const;
     std::string cardIcon(const std::string& picture) const;
-    void answer(std::optional<std::size_t> sender);
+    void answer(std::optional<std::size_t> sender, FormRows rows);
 
     FormServices services_;
     QPointer<QObject> gparent_;

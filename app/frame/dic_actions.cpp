@@ -93,6 +93,7 @@ void dic::subDetail(std::size_t index) {
     sub_->setFollowRows({});
     sub_->detailPrepare(request, this, this, [this, index](const FormAnswer& answer) {
         subDetailCommit(index, answer.rows);
+        return true;
     });
 }
 
@@ -159,18 +160,18 @@ void dic::addToList(std::size_t index) {
     const QString caption = row.listedittype == 3 ? own("Новый продукт") : own("Новый тип");
     replaceSubForm();
     sub_->prepare(std::move(rows), caption, this, this, static_cast<int>(index) + 1, {},
-                  [this, index](const FormAnswer& answer) { afterAdd(index, answer.rows); });
+                  [this, index](const FormAnswer& answer) { return afterAdd(index, answer.rows); });
 }
 
-void dic::afterAdd(std::size_t index, const FormRows& rows) {
+bool dic::afterAdd(std::size_t index, const FormRows& rows) {
     if (index >= detailAr_.size() || services_.lists == nullptr) {
-        return;
+        return true;
     }
     auto& row = detailAr_[index];
     const std::string name =
         std::string(core::trimmed(frame::fieldValue(rows, "name").value_or("")));
     if (name.empty()) {
-        return;
+        return true;
     }
     diary::NewListRow added = diary::NewListRow::plain(row.listid, name);
     if (row.listedittype == 2) {
@@ -181,23 +182,28 @@ void dic::afterAdd(std::size_t index, const FormRows& rows) {
                                         frame::fieldValue(rows, "measure").value_or(""));
     }
     correctField();
-    if (row.listdata.empty()) {
-        services_.lists->addFromListScreen(added, row.list);
-    } else {
-        // A list the caller put together keeps its items; the new one is
-        // stored and joins them.
-        std::vector<ListRow> scratch;
-        if (const auto guid = services_.lists->addFromListScreen(added, scratch)) {
-            for (const auto& stored : scratch) {
-                if (stored.index == *guid) {
-                    row.list.push_back(stored);
-                    row.listdata.push_back(stored);
-                }
+    // A list the caller put together keeps its items; the new one is stored
+    // and joins them. Any other list is read again with it.
+    const bool callersList = !row.listdata.empty();
+    std::vector<ListRow> scratch;
+    const diary::AddedRow stored =
+        services_.lists->addFromListScreen(added, callersList ? scratch : row.list);
+    if (!stored.result) {
+        // The form with the new name stays, so that it can be sent again.
+        services_.popups.message(shown(stored.result.message()), own("Ошибка"), 0, sub_.data());
+        return false;
+    }
+    if (callersList && stored.guid) {
+        for (const auto& fresh : scratch) {
+            if (fresh.index == *stored.guid) {
+                row.list.push_back(fresh);
+                row.listdata.push_back(fresh);
             }
         }
     }
     row.source = checkedIndices(row.list);
     updateData();
+    return true;
 }
 
 // ---- Photo ----

@@ -309,9 +309,9 @@ QWidget* dic::removalButton(std::size_t index, QWidget* parent) {
         services_.popups.messageAsk(own("Вы действительно хотите удалить эту учетную запись?"),
                                     own("Удаление"), 3, this, [self](int /*tag*/, int button) {
                                         if (self != nullptr && button == 1) {
-                                            // No rows at all tell the caller to remove.
-                                            self->detailAr_.clear();
-                                            self->answer(std::nullopt);
+                                            // No rows at all tell the caller to remove;
+                                            // the form keeps its own in case that fails.
+                                            self->answer(std::nullopt, {});
                                         }
                                     });
     });

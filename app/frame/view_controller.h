@@ -11,6 +11,7 @@
 #include <optional>
 #include <string>
 
+#include "core/write_result.h"
 #include "frame/navigation.h"
 
 class QKeyEvent;
@@ -139,10 +140,15 @@ private:
     void menuClick(const core::MenuRow& row);
     void mainMenuClick(const core::MenuRow& row, bool checked);
     void settingClick(const core::MenuRow& row, bool on);
-    void editDic(const FormAnswer& answer, const std::string& gid);
+    // Saves the profile form under the child's guid; false when it could not
+    // be saved, and the form stays.
+    bool editDic(const FormAnswer& answer, const std::string& gid);
     void showBackgrounds();
     void changeBackground(long long id);
     void comingSoon(const std::string& caption);
+    // Tells the user that what they chose or typed was not saved; false when
+    // it was not.
+    bool saved(const core::WriteResult& result, QWidget* over);
     void viewDidAppear();
 
     RootServices services_;

@@ -104,7 +104,7 @@ void ViewController::settingClick(const core::MenuRow& row, bool on) {
         }
         return;
     }
-    changeMenuSetting(context_.settings, state_, row.id, on);
+    saved(changeMenuSetting(context_.settings, state_, row.id, on), this);
     constexpr int kTiltRow = 53;
     constexpr int kChatCountRow = 55;
     if (row.id == kTiltRow) {
@@ -127,20 +127,26 @@ void ViewController::setupShow(std::optional<std::string> gid) {
             });
     }
     setupForm_->setGid(gid.value_or(""));
-    setupForm_->prepare(
-        content.rows, translatedText(state_, content.caption), this, this, content.parentFlag, {},
-        [this, gid](const FormAnswer& answer) { editDic(answer, gid.value_or("")); });
+    // A new child gets its guid as the form opens, so that a second OK after
+    // a save that failed stores the same child, portrait and all.
+    const std::string guid = gid ? *gid : core::newID();
+    setupForm_->prepare(content.rows, translatedText(state_, content.caption), this, this,
+                        content.parentFlag, {},
+                        [this, guid](const FormAnswer& answer) { return editDic(answer, guid); });
 }
 
-void ViewController::editDic(const FormAnswer& answer, const std::string& gid) {
+bool ViewController::editDic(const FormAnswer& answer, const std::string& guid) {
     const bool isNew = answer.parentFlag == diary::formflag::newChild;
-    const std::string guid = isNew ? core::newID() : gid;
     if (guid.empty()) {
-        return;
+        return true;
     }
     diary::SetupRecord record =
         diary::ProfileForm(context_, services_.images).setupArrayToDic(answer.rows, guid);
-    diary::Profiles(context_).saveSetupData(diary::saveflag::form, std::move(record), guid);
+    if (!saved(
+            diary::Profiles(context_).saveSetupData(diary::saveflag::form, std::move(record), guid),
+            setupForm_)) {
+        return false;
+    }
     if (answer.rows.empty() && state_.activeGid == guid) {
         state_.activeGid.reset();
     } else if (isNew) {
@@ -155,6 +161,7 @@ void ViewController::editDic(const FormAnswer& answer, const std::string& gid) {
     if (isNew) {
         menu_->showChild(guid);
     }
+    return true;
 }
 
 void ViewController::showBackgrounds() {
@@ -171,13 +178,23 @@ void ViewController::showBackgrounds() {
 }
 
 void ViewController::changeBackground(long long id) {
-    frame::changeBackground(state_, context_.settings, id);
+    const core::WriteResult result = frame::changeBackground(state_, context_.settings, id);
     menu_->updateMenu();
+    saved(result, background_ != nullptr ? static_cast<QWidget*>(background_) : this);
 }
 
 void ViewController::comingSoon(const std::string& caption) {
     popups_->message(translatedText(state_, "Этот раздел скоро появится в программе."),
                      translatedText(state_, caption), kNoAnswerTag, this);
+}
+
+bool ViewController::saved(const core::WriteResult& result, QWidget* over) {
+    if (result) {
+        return true;
+    }
+    popups_->message(translatedText(state_, result.message()), translatedText(state_, "Ошибка"),
+                     kNoAnswerTag, over);
+    return false;
 }
 
 void ViewController::viewDidAppear() {

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cctype>
 #include <sqlite3.h>
+#include <stdexcept>
 #include <system_error>
 #include <vector>
 
@@ -132,6 +133,18 @@ SQLite::Database* DatabaseStore::connectToBase() {
             backupCheckedOn_ = today;
         }
     }
+    if (db_ && sqlite3_db_readonly(db_->getHandle(), "main") == 1 &&
+        sqlite3_get_autocommit(db_->getHandle()) != 0) {
+        // A file opened while its folder refused writes stays read-only on
+        // that connection, even once the folder takes writes again; a fresh
+        // connection is tried, so that a save the user repeats can land.
+        // Never under a transaction: an operation joining one holds the
+        // connection it began with.
+        if (auto fresh = openConnection();
+            fresh && sqlite3_db_readonly(fresh->getHandle(), "main") == 0) {
+            db_ = std::move(fresh);
+        }
+    }
     if (!db_) {
         db_ = openConnection();
     }
@@ -231,15 +244,91 @@ bool DatabaseStore::testBaseFile() const {
     }
 }
 
-WriteTransaction::WriteTransaction(SQLite::Database& db) : db_(db) {
-    if (sqlite3_get_autocommit(db_.getHandle()) != 0) {
-        db_.exec("BEGIN");
-        owner_ = true;
+namespace {
+
+// The transactions begun on this thread, innermost last; a part that joins
+// finds the one of its connection here.
+thread_local std::vector<WriteTransaction*> tOpenTransactions;
+
+WriteFailure failureOfCode(int code) {
+    switch (code & 0xff) {
+        case SQLITE_READONLY:
+        case SQLITE_PERM:
+        case SQLITE_AUTH:
+            return WriteFailure::readOnly;
+        case SQLITE_CANTOPEN:
+            // The file is there (it was open), so what can't be made is the
+            // journal beside it: the folder refuses writes.
+            return WriteFailure::readOnly;
+        case SQLITE_FULL:
+            return WriteFailure::diskFull;
+        case SQLITE_BUSY:
+        case SQLITE_LOCKED:
+            return WriteFailure::busy;
+        case SQLITE_CORRUPT:
+        case SQLITE_NOTADB:
+            return WriteFailure::damaged;
+        case SQLITE_IOERR:
+            return WriteFailure::diskError;
+        default:
+            return WriteFailure::other;
     }
 }
 
+}  // namespace
+
+WriteFailure failureOf(const std::exception& error) noexcept {
+    if (const auto* failed = dynamic_cast<const WriteFailed*>(&error)) {
+        return failed->failure();
+    }
+    if (const auto* sqlite = dynamic_cast<const SQLite::Exception*>(&error)) {
+        // The extended code holds the primary one in its low byte, and is
+        // the one set for errors raised by the connection itself.
+        const int code = sqlite->getExtendedErrorCode() > 0 ? sqlite->getExtendedErrorCode()
+                                                            : sqlite->getErrorCode();
+        return failureOfCode(code);
+    }
+    return WriteFailure::other;
+}
+
+WriteTransaction::WriteTransaction(SQLite::Database& db) : db_(db) {
+    const auto open = std::find_if(
+        tOpenTransactions.rbegin(), tOpenTransactions.rend(),
+        [&](const WriteTransaction* t) { return t->db_.getHandle() == db_.getHandle(); });
+    const bool inTransaction = sqlite3_get_autocommit(db_.getHandle()) == 0;
+    if (open != tOpenTransactions.rend()) {
+        outer_ = *open;
+        // After some errors (a full disk, an I/O error) SQLite cancels the
+        // whole transaction; what followed would be written bit by bit.
+        if (!inTransaction) {
+            if (!outer_->partFailure_) {
+                outer_->partFailure_ = failureOfCode(sqlite3_extended_errcode(db_.getHandle()));
+            }
+            throw SQLite::Exception("the transaction was cancelled by an earlier error",
+                                    SQLITE_ABORT);
+        }
+        return;
+    }
+    // A transaction begun by hand has no one a failed part could tell.
+    if (inTransaction) {
+        throw std::logic_error("a write joined a transaction it can't report to");
+    }
+    db_.exec("BEGIN");
+    tOpenTransactions.push_back(this);
+}
+
 WriteTransaction::~WriteTransaction() {
-    if (owner_ && !done_) {
+    if (outer_ != nullptr) {
+        if (!done_ && !outer_->partFailure_) {
+            // The exception that ends this part is not ours to see; the
+            // connection still holds the error of the statement that threw.
+            outer_->partFailure_ = failureOfCode(sqlite3_extended_errcode(db_.getHandle()));
+        }
+        return;
+    }
+    std::erase(tOpenTransactions, this);
+    // SQLite may have rolled back already (a full disk, an I/O error).
+    if (!done_ && sqlite3_get_autocommit(db_.getHandle()) == 0) {
         try {
             db_.exec("ROLLBACK");
         } catch (const SQLite::Exception& e) {
@@ -249,9 +338,18 @@ WriteTransaction::~WriteTransaction() {
 }
 
 void WriteTransaction::commit() {
-    if (owner_ && !done_) {
-        db_.exec("COMMIT");
+    if (done_) {
+        return;
     }
+    if (outer_ != nullptr) {
+        done_ = true;
+        return;
+    }
+    if (partFailure_) {
+        // Leaving undone: the destructor rolls everything back.
+        throw WriteFailed(*partFailure_);
+    }
+    db_.exec("COMMIT");
     done_ = true;
 }
 

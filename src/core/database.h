@@ -12,6 +12,7 @@
 #include <string_view>
 
 #include "core/date.h"
+#include "core/write_result.h"
 #include "platform/log.h"
 
 namespace tilika::platform {
@@ -52,7 +53,9 @@ public:
     bool fromOldVersionNewRestore();
 
     // The open connection, or nullptr when the file can't be opened; callers
-    // then do nothing, as with an empty database.
+    // then do nothing, as with an empty database. A connection that could
+    // only read is opened again when it can write by now, so an operation
+    // takes the connection as it starts and keeps it only while it runs.
     SQLite::Database* connectToBase();
     // Closes the connection; the next connectToBase() opens it again.
     void disconnectFromBase();
@@ -95,9 +98,37 @@ bool runGuarded(std::string_view what, Operation&& operation) noexcept {
     }
 }
 
+// The reason behind an exception from a write, by SQLite's error code.
+WriteFailure failureOf(const std::exception& error) noexcept;
+
+// Runs one write that a user's action asked for. A statement that fails, or
+// a part that reports a failure (WriteFailed), ends it with a log line, and
+// the caller is told why, so that the screen can say so. Any transaction the
+// operation opened has rolled back by then.
+template <class Operation>
+WriteResult tryWrite(std::string_view what, Operation&& operation) noexcept {
+    try {
+        operation();
+        return {};
+    } catch (const std::exception& e) {
+        platform::log(std::string(what) + ": " + e.what());
+        return failureOf(e);
+    }
+}
+
 // One user action's writes as one transaction: they all land, or none do.
+//
 // Inside a transaction the caller already holds, it joins that one instead,
 // so an operation that is whole by itself can also be part of a larger one.
+// A joined part that ends without commit() (a statement in it threw) marks
+// the transaction it joined as failed, and that one's commit() then rolls
+// everything back and throws: a failure inside can't be caught and
+// forgotten on the way out, leaving half of the action to be committed.
+//
+// It is the only way a transaction is begun on a connection: one begun by
+// hand has no one a failed part could tell, and a part refuses to join it.
+// A connection is used by one thread at a time, so the open transactions
+// are kept per thread.
 class WriteTransaction {
 public:
     explicit WriteTransaction(SQLite::Database& db);
@@ -105,11 +136,15 @@ public:
     WriteTransaction(const WriteTransaction&) = delete;
     WriteTransaction& operator=(const WriteTransaction&) = delete;
 
+    // Ends this part of the work as done. The transaction that began it
+    // writes everything to the file, or throws when a part failed (or the
+    // file refused the commit); nothing is kept then.
     void commit();
 
 private:
     SQLite::Database& db_;
-    bool owner_ = false;
+    WriteTransaction* outer_ = nullptr;        // the one this part joined
+    std::optional<WriteFailure> partFailure_;  // the first joined part that failed
     bool done_ = false;
 };
 

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "core/date.h"
+#include "core/write_result.h"
 #include "diary/reference_lists.h"
 
 namespace SQLite {
@@ -21,11 +22,12 @@ public:
 
     // Brings the courses in line with the edited value `value` of entry
     // `type` on `day`, whose stored value `old` the caller has just written
-    // back. Runs inside the transaction the caller holds on `db`; false when
-    // a statement failed, and the caller must then not commit.
-    virtual bool reconcile(SQLite::Database& db, std::string_view type, std::string_view value,
-                           core::Date day, std::string_view gid, const std::vector<ListRow>& lists,
-                           std::string_view old) const = 0;
+    // back. Runs inside the transaction the caller holds on `db`; on a
+    // failure the caller must not commit.
+    virtual core::WriteResult reconcile(SQLite::Database& db, std::string_view type,
+                                        std::string_view value, core::Date day,
+                                        std::string_view gid, const std::vector<ListRow>& lists,
+                                        std::string_view old) const = 0;
 };
 
 }  // namespace tilika::diary

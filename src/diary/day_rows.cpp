@@ -13,6 +13,12 @@ std::string dayText(const core::Dates& dates, core::Date date) {
 
 }  // namespace
 
+void DayRows::note(core::WriteResult statement) {
+    if (result_ && !statement) {
+        result_ = statement;
+    }
+}
+
 void DayRows::insertValue(std::string_view type, std::string_view value, core::Date curdate,
                           std::string_view gid, bool withDelete, bool justnew) {
     if (value.empty()) {
@@ -24,7 +30,8 @@ void DayRows::insertValue(std::string_view type, std::string_view value, core::D
     if (withDelete) {
         deleteValue(type, curdate, gid);
     }
-    failed_ |= !core::runGuarded("insertValue", [&] {
+    note(core::tryWrite("insertValue", [&] {
+        core::WriteTransaction part(db_);
         SQLite::Statement insert(
             db_, "insert into childdata (type, value, sdat, childguid) values (?,?,?,?)");
         insert.bind(1, std::string(type));
@@ -32,11 +39,13 @@ void DayRows::insertValue(std::string_view type, std::string_view value, core::D
         core::dateToBase(dates_, insert, 3, dates_.noTime(curdate), false);
         insert.bind(4, std::string(gid));
         insert.exec();
-    });
+        part.commit();
+    }));
 }
 
 void DayRows::deleteValue(std::string_view type, core::Date curdate, std::string_view gid) {
-    failed_ |= !core::runGuarded("deleteValue", [&] {
+    note(core::tryWrite("deleteValue", [&] {
+        core::WriteTransaction part(db_);
         SQLite::Statement remove(db_,
                                  "delete from childdata where childguid=? and "
                                  "date(sdat)=date(?) and type=?");
@@ -44,22 +53,25 @@ void DayRows::deleteValue(std::string_view type, core::Date curdate, std::string
         remove.bind(2, dayText(dates_, curdate));
         remove.bind(3, std::string(type));
         remove.exec();
-    });
+        part.commit();
+    }));
 }
 
 void DayRows::deleteDay(core::Date curdate, std::string_view gid) {
-    failed_ |= !core::runGuarded("deleteDay", [&] {
+    note(core::tryWrite("deleteDay", [&] {
+        core::WriteTransaction part(db_);
         SQLite::Statement remove(db_,
                                  "delete from childdata where childguid=? and date(sdat)=date(?)");
         remove.bind(1, std::string(gid));
         remove.bind(2, dayText(dates_, curdate));
         remove.exec();
-    });
+        part.commit();
+    }));
 }
 
 std::string DayRows::getDateValue(core::Date date, std::string_view type, std::string_view gid) {
     std::string value;
-    failed_ |= !core::runGuarded("getDateValue", [&] {
+    note(core::tryWrite("getDateValue", [&] {
         SQLite::Statement query(db_,
                                 "select value from childdata where childguid=? and "
                                 "date(sdat)=date(?) and type=?");
@@ -69,7 +81,7 @@ std::string DayRows::getDateValue(core::Date date, std::string_view type, std::s
         if (query.executeStep()) {
             value = core::stringFromBase(query, 0).value_or("");
         }
-    });
+    }));
     return value;
 }
 
@@ -77,7 +89,7 @@ std::string DayRows::getLastDateValue(core::Date date, std::string_view type,
                                       std::string_view gid) {
     std::string value;
     lastValueDate_.reset();
-    failed_ |= !core::runGuarded("getLastDateValue", [&] {
+    note(core::tryWrite("getLastDateValue", [&] {
         SQLite::Statement query(db_,
                                 "select value, sdat from childdata where childguid=? and "
                                 "date(sdat)<date(?) and type=? order by date(sdat) desc limit 1");
@@ -90,7 +102,7 @@ std::string DayRows::getLastDateValue(core::Date date, std::string_view type,
             // carry a time as well.
             lastValueDate_ = dates_.dateFromString(core::stringFromBase(query, 1).value_or(""));
         }
-    });
+    }));
     return value;
 }
 

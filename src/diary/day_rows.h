@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "core/date.h"
+#include "core/write_result.h"
 
 namespace tilika::core {
 class Dates;
@@ -17,7 +18,8 @@ namespace tilika::diary {
 // The diary's rows: one value per child, day and entry type. Works on a
 // database that is already open, so that a whole day, or a course spread
 // over many days, can be written inside one transaction by its caller. A
-// statement that fails is skipped quietly, as every reader expects.
+// statement that fails is skipped quietly, as every reader expects; a write
+// that fails also fails the caller's transaction when it commits.
 class DayRows {
 public:
     DayRows(SQLite::Database& db, const core::Dates& dates) : db_(db), dates_(dates) {}
@@ -38,15 +40,18 @@ public:
     std::string getLastDateValue(core::Date date, std::string_view type, std::string_view gid);
     std::optional<core::Date> getLastValueDate() const { return lastValueDate_; }
 
-    // Whether a statement has failed since these rows were made: a caller
-    // writing in a transaction then rolls back instead of keeping half.
-    bool failed() const { return failed_; }
+    // Whether a statement has failed since these rows were made, with the
+    // first one's reason: a caller writing in a transaction then rolls back
+    // instead of keeping half.
+    core::WriteResult result() const { return result_; }
 
 private:
+    void note(core::WriteResult statement);
+
     SQLite::Database& db_;
     const core::Dates& dates_;
     std::optional<core::Date> lastValueDate_;
-    bool failed_ = false;
+    core::WriteResult result_;
 };
 
 }  // namespace tilika::diary

@@ -13,7 +13,6 @@
 #include "diary/value_codecs.h"
 #include "frame/course_amounts.h"
 #include "platform/folders.h"
-#include "platform/log.h"
 
 namespace tilika::diary {
 
@@ -328,18 +327,22 @@ void DiaryStore::correctPhoto(DayNote& day, int regim, std::string_view gid) con
     day.photopath = regim == loadregim::report ? photo.string() : thumbnail.string();
 }
 
-void DiaryStore::saveNoteData(int flag, std::vector<CatalogueRow>& data,
-                              const std::vector<ListRow>& list, std::string_view gid,
-                              core::Date date) {
+core::WriteResult DiaryStore::saveNoteData(int flag, std::vector<CatalogueRow>& data,
+                                           const std::vector<ListRow>& list, std::string_view gid,
+                                           core::Date date) {
     SQLite::Database* db = context_.database.connectToBase();
     if (db == nullptr) {
-        return;
+        return core::WriteFailure::noDatabase;
     }
     const core::Dates& dates = context_.dates;
-    core::runGuarded("saveNoteData", [&] {
+    return core::tryWrite("saveNoteData", [&] {
         // The day and every day its courses reach are written together: a
         // crash leaves the old day or the new one, never half of either.
         core::WriteTransaction transaction(*db);
+        if (flag == kFromCloud) {
+            // A record from another device may name list rows this one lacks.
+            core::throwIfFailed(lists_.correctConstList(list));
+        }
         DayRows rows(*db, dates);
         for (CatalogueRow& row : data) {
             if (row.tp == tp::medication) {
@@ -347,7 +350,6 @@ void DiaryStore::saveNoteData(int flag, std::vector<CatalogueRow>& data,
             }
         }
         rows.deleteDay(date, gid);
-        bool coursesKept = true;
         for (CatalogueRow& row : data) {
             switch (row.tp) {
                 case tp::photo:
@@ -363,9 +365,8 @@ void DiaryStore::saveNoteData(int flag, std::vector<CatalogueRow>& data,
                 case tp::medication: {
                     const std::string old = row.oldsource.value_or("");
                     rows.insertValue(row.field, old, date, gid, false, false);
-                    coursesKept =
-                        courses_.reconcile(*db, row.field, row.source, date, gid, list, old) &&
-                        coursesKept;
+                    core::throwIfFailed(
+                        courses_.reconcile(*db, row.field, row.source, date, gid, list, old));
                     row.oldsource.reset();
                     break;
                 }
@@ -374,24 +375,18 @@ void DiaryStore::saveNoteData(int flag, std::vector<CatalogueRow>& data,
                     break;
             }
         }
-        if (rows.failed() || !coursesKept) {
-            // Leaving the transaction uncommitted keeps the day as it was.
-            platform::log("The day could not be saved whole; it is kept as it was");
-            return;
-        }
+        // A failed write has failed the transaction already; a failed read
+        // means a course was spread over days it didn't see.
+        core::throwIfFailed(rows.result());
         transaction.commit();
     });
-    if (flag == kFromCloud) {
-        // A record from another device may name list rows this one lacks.
-        lists_.correctConstList(list);
-    }
 }
 
-void DiaryStore::noteDeleteValue(core::Date date, std::optional<std::string_view> type,
-                                 std::string_view gid) {
+core::WriteResult DiaryStore::noteDeleteValue(core::Date date, std::optional<std::string_view> type,
+                                              std::string_view gid) {
     SQLite::Database* db = context_.database.connectToBase();
     if (db == nullptr) {
-        return;
+        return core::WriteFailure::noDatabase;
     }
     DayRows rows(*db, context_.dates);
     if (type) {
@@ -399,6 +394,7 @@ void DiaryStore::noteDeleteValue(core::Date date, std::optional<std::string_view
     } else {
         rows.deleteDay(date, gid);
     }
+    return rows.result();
 }
 
 void DiaryStore::updateNoteToday(CatalogueRow& row, const std::vector<ListRow>& list,
@@ -574,13 +570,13 @@ double DiaryStore::getLastValue(core::Date date, std::string_view type, std::str
     return value;
 }
 
-void DiaryStore::moveDates(bool forward) {
+core::WriteResult DiaryStore::moveDates(bool forward) {
     SQLite::Database* db = context_.database.connectToBase();
     if (db == nullptr) {
-        return;
+        return core::WriteFailure::noDatabase;
     }
     const core::Dates& dates = context_.dates;
-    core::runGuarded("moveDates", [&] {
+    return core::tryWrite("moveDates", [&] {
         core::WriteTransaction transaction(*db);
         std::vector<std::pair<std::int64_t, std::string>> moved;
         {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/date.h"
+#include "core/write_result.h"
 #include "diary/catalogue.h"
 #include "diary/courses_of_day.h"
 #include "diary/profiles.h"
@@ -96,13 +97,15 @@ public:
     void correctPhoto(DayNote& day, int regim, std::string_view gid) const;
 
     // Writes the whole day from the editor's rows (flag 1) or from a cloud
-    // record (flag 2), medication courses spread over their days included,
-    // in one transaction.
-    void saveNoteData(int flag, std::vector<CatalogueRow>& data, const std::vector<ListRow>& list,
-                      std::string_view gid, core::Date date);
+    // record (flag 2, with the list rows it names that this device lacks),
+    // medication courses spread over their days included, in one
+    // transaction: all of it lands, or the day stays as it was.
+    core::WriteResult saveNoteData(int flag, std::vector<CatalogueRow>& data,
+                                   const std::vector<ListRow>& list, std::string_view gid,
+                                   core::Date date);
     // Deletes one entry of the day, or with no type the whole day.
-    void noteDeleteValue(core::Date date, std::optional<std::string_view> type,
-                         std::string_view gid);
+    core::WriteResult noteDeleteValue(core::Date date, std::optional<std::string_view> type,
+                                      std::string_view gid);
 
     // Fills a catalogue row's reading from its value.
     void updateNoteToday(CatalogueRow& row, const std::vector<ListRow>& list,
@@ -123,7 +126,7 @@ public:
     std::optional<core::Date> getLastValueDate() const { return lastValueDate_; }
 
     // Moves every diary day of every child one day forward or back.
-    void moveDates(bool forward);
+    core::WriteResult moveDates(bool forward);
 
     ReferenceLists& lists() { return lists_; }
 

@@ -91,70 +91,88 @@ SetupRecord Profiles::loadSetupData(std::optional<std::string_view> gid) const {
     return record;
 }
 
-void Profiles::saveSetupData(int flag, SetupRecord record, std::string_view gid) {
+core::WriteResult Profiles::saveSetupData(int flag, SetupRecord record, std::string_view gid) {
     // Other editions keep their profiles elsewhere; this one has children.
-    saveSetupDataChild(flag, std::move(record), gid);
+    return saveSetupDataChild(flag, std::move(record), gid);
 }
 
-void Profiles::saveSetupDataChild(int flag, SetupRecord record, std::string_view gid) {
-    const SetupRecord stored = loadSetupData(gid);
-    if (flag == saveflag::form) {
-        record.allerg = stored.allerg;
-    }
+core::WriteResult Profiles::saveSetupDataChild(int flag, SetupRecord record, std::string_view gid) {
     SQLite::Database* db = context_.database.connectToBase();
     if (db == nullptr) {
-        return;
+        return core::WriteFailure::noDatabase;
     }
-    // A row may exist without a birth date (the first profile before the
-    // first start, or one from an old version): it is updated all the same,
-    // never doubled.
-    bool exists = false;
-    core::runGuarded("findProfile", [&] {
-        SQLite::Statement find(*db, "select count(*) from child where childguid=?");
-        find.bind(1, std::string(gid));
-        exists = find.executeStep() && find.getColumn(0).getInt() > 0;
+    const bool active = record.active.value_or(false);
+    bool removed = false;
+    const core::WriteResult saved = core::tryWrite("saveSetupData", [&] {
+        // What is kept of the stored row is read in the same transaction, so
+        // a read that fails can't have the allergens written over with
+        // nothing.
+        core::WriteTransaction transaction(*db);
+        // A row may exist without a birth date (the first profile before the
+        // first start, or one from an old version): it is updated all the
+        // same, never doubled.
+        bool exists = false;
+        std::optional<std::string> storedAllergens;
+        std::optional<std::string> storedBirthdate;
+        {
+            SQLite::Statement find(*db, "select allergen, sbirthdate from child where childguid=?");
+            find.bind(1, std::string(gid));
+            if (find.executeStep()) {
+                exists = true;
+                storedAllergens = core::stringFromBase(find, 0);
+                storedBirthdate = core::stringFromBase(find, 1);
+            }
+        }
+
+        if (!active) {
+            if (exists) {
+                SQLite::Statement remove(*db, "update child set deleted=1 where childguid=?");
+                remove.bind(1, std::string(gid));
+                remove.exec();
+                removed = true;
+            }
+            transaction.commit();
+            return;
+        }
+
+        if (flag == saveflag::form) {
+            record.allerg = storedAllergens.value_or("");
+        }
+        const std::string sbirthdate = record.sbirthdate.value_or(storedBirthdate.value_or(
+            context_.dates.dateToString(record.birthdate, core::formats::day)));
+        SQLite::Statement save(
+            *db, exists ? "update child set chname=?, sbirthdate=?, sex=?, blood=?, ves=?, "
+                          "rost=?, sbirthtime=?, allergen=?, documents=? where childguid=?"
+                        : "insert into child (chname, sbirthdate, sex, blood, ves, rost, "
+                          "sbirthtime, allergen, documents, childguid) "
+                          "values (?,?,?,?,?,?,?,?,?,?)");
+        save.bind(1, record.name);
+        save.bind(2, sbirthdate);
+        save.bind(3, record.sex);
+        save.bind(4, record.blood);
+        save.bind(5, record.ves);
+        save.bind(6, record.rost);
+        if (record.sbirthtime) {
+            save.bind(7, *record.sbirthtime);
+        }
+        save.bind(8, record.allerg);
+        if (record.documents) {
+            save.bind(9, *record.documents);
+        }
+        save.bind(10, std::string(gid));
+        save.exec();
+        transaction.commit();
     });
 
-    if (record.active.value_or(false)) {
-        const std::string sbirthdate = record.sbirthdate.value_or(stored.sbirthdate.value_or(
-            context_.dates.dateToString(record.birthdate, core::formats::day)));
-        core::runGuarded("saveSetupData", [&] {
-            SQLite::Statement save(
-                *db, exists ? "update child set chname=?, sbirthdate=?, sex=?, blood=?, ves=?, "
-                              "rost=?, sbirthtime=?, allergen=?, documents=? where childguid=?"
-                            : "insert into child (chname, sbirthdate, sex, blood, ves, rost, "
-                              "sbirthtime, allergen, documents, childguid) "
-                              "values (?,?,?,?,?,?,?,?,?,?)");
-            save.bind(1, record.name);
-            save.bind(2, sbirthdate);
-            save.bind(3, record.sex);
-            save.bind(4, record.blood);
-            save.bind(5, record.ves);
-            save.bind(6, record.rost);
-            if (record.sbirthtime) {
-                save.bind(7, *record.sbirthtime);
-            }
-            save.bind(8, record.allerg);
-            if (record.documents) {
-                save.bind(9, *record.documents);
-            }
-            save.bind(10, std::string(gid));
-            save.exec();
-        });
-        return;
-    }
-
-    if (exists) {
-        core::runGuarded("removeProfile", [&] {
-            SQLite::Statement remove(*db, "update child set deleted=1 where childguid=?");
-            remove.bind(1, std::string(gid));
-            remove.exec();
-        });
+    // The portrait goes only with a profile that is gone: a removal that
+    // failed leaves the child whole.
+    if (saved && removed) {
         std::error_code error;
         if (const auto portrait = portraitPath(gid); !portrait.empty()) {
             std::filesystem::remove(portrait, error);
         }
     }
+    return saved;
 }
 
 std::vector<ProfileListRow> Profiles::profileList() const {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "core/date.h"
+#include "core/write_result.h"
 
 namespace tilika::core {
 struct Context;
@@ -76,12 +77,13 @@ public:
     // The child's record over the defaults; with no guid the defaults only.
     SetupRecord loadSetupData(std::optional<std::string_view> gid) const;
 
-    void saveSetupData(int flag, SetupRecord record, std::string_view gid);
+    core::WriteResult saveSetupData(int flag, SetupRecord record, std::string_view gid);
     // Inserts a new child, updates one that exists, or, for a record that is
     // not active, removes the child: the profile is hidden and its portrait
     // deleted, while the diary rows stay. A record without a readable birth
-    // date keeps the stored one.
-    void saveSetupDataChild(int flag, SetupRecord record, std::string_view gid);
+    // date keeps the stored one. When the write fails, the stored profile
+    // and the portrait stay as they were.
+    core::WriteResult saveSetupDataChild(int flag, SetupRecord record, std::string_view gid);
 
     // Children not removed, in order of birth.
     std::vector<ProfileListRow> profileList() const;

@@ -126,39 +126,45 @@ void ReferenceLists::loadConstList(std::vector<ListRow>& rows, int cotype,
     core::runGuarded("loadConstList", [&] { rows = readList(*db, cotype, checked, boleznId_); });
 }
 
-std::optional<std::string> ReferenceLists::addConst(int cotype, std::string coname, int deleted,
-                                                    std::optional<std::string> coguid) {
+AddedRow ReferenceLists::addConst(int cotype, std::string coname, int deleted,
+                                  std::optional<std::string> coguid) {
     SQLite::Database* db = context_.database.connectToBase();
     if (db == nullptr) {
-        return std::nullopt;
+        return {core::WriteFailure::noDatabase, std::nullopt};
     }
-    std::optional<std::string> stored;
-    core::runGuarded(
-        "addConst", [&] { stored = insertConst(*db, cotype, coname, deleted, std::move(coguid)); });
-    return stored;
+    AddedRow added;
+    added.result = core::tryWrite("addConst", [&] {
+        // One statement, yet a transaction: inside a larger one, its failure
+        // fails that one too.
+        core::WriteTransaction transaction(*db);
+        std::string guid = insertConst(*db, cotype, coname, deleted, std::move(coguid));
+        transaction.commit();
+        added.guid = std::move(guid);
+    });
+    return added;
 }
 
-bool ReferenceLists::deleteConst(std::string_view guid) {
+core::WriteResult ReferenceLists::deleteConst(std::string_view guid) {
     SQLite::Database* db = context_.database.connectToBase();
     if (db == nullptr) {
-        return false;
+        return core::WriteFailure::noDatabase;
     }
-    int changed = 0;
-    core::runGuarded("deleteConst", [&] {
+    return core::tryWrite("deleteConst", [&] {
+        core::WriteTransaction transaction(*db);
         SQLite::Statement update(*db,
                                  "update childconst set deleted=1 where coguid=? and deleted=0");
         update.bind(1, std::string(guid));
-        changed = update.exec();
+        update.exec();
+        transaction.commit();
     });
-    return changed > 0;
 }
 
-void ReferenceLists::correctConstList(const std::vector<ListRow>& incoming) {
+core::WriteResult ReferenceLists::correctConstList(const std::vector<ListRow>& incoming) {
     SQLite::Database* db = context_.database.connectToBase();
     if (db == nullptr) {
-        return;
+        return core::WriteFailure::noDatabase;
     }
-    core::runGuarded("correctConstList", [&] {
+    return core::tryWrite("correctConstList", [&] {
         core::WriteTransaction transaction(*db);
         std::vector<ListRow> known = readList(*db, cotype::all, {}, boleznId_);
         for (const ListRow& row : incoming) {
@@ -177,13 +183,12 @@ void ReferenceLists::correctConstList(const std::vector<ListRow>& incoming) {
     });
 }
 
-std::optional<std::string> ReferenceLists::addFromListScreen(const NewListRow& row,
-                                                             std::vector<ListRow>& rows) {
-    std::optional<std::string> guid;
+AddedRow ReferenceLists::addFromListScreen(const NewListRow& row, std::vector<ListRow>& rows) {
+    AddedRow added;
     // A food without a known unit would count in nothing; it isn't stored.
     if (row.kind != AddKind::food || unitCode(row.measure) != 0) {
         StoredRow stored = storedRow(row);
-        guid = addConst(row.cotype, std::move(stored.coname), stored.deleted);
+        added = addConst(row.cotype, std::move(stored.coname), stored.deleted);
     }
 
     std::vector<std::string> ticked;
@@ -193,16 +198,16 @@ std::optional<std::string> ReferenceLists::addFromListScreen(const NewListRow& r
         }
     }
     loadConstList(rows, row.cotype, core::join(ticked, kTail));
-    return guid;
+    return added;
 }
 
-void ReferenceLists::setCheckData(int seltypeid, std::string_view tagguid, bool check,
-                                  std::string_view gid) {
+core::WriteResult ReferenceLists::setCheckData(int seltypeid, std::string_view tagguid, bool check,
+                                               std::string_view gid) {
     SQLite::Database* db = context_.database.connectToBase();
     if (db == nullptr) {
-        return;
+        return core::WriteFailure::noDatabase;
     }
-    core::runGuarded("setCheckData", [&] {
+    return core::tryWrite("setCheckData", [&] {
         // Clearing first keeps one row per tick however often it is set.
         core::WriteTransaction transaction(*db);
         SQLite::Statement remove(

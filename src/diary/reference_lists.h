@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "core/write_result.h"
 #include "frame/form_row.h"
 #include "frame/list_choices.h"
 
@@ -79,10 +80,18 @@ struct NewListRow {
     }
 };
 
+// What storing a list row gives back: whether the database took the write,
+// and the guid of the row stored, if one was.
+struct AddedRow {
+    core::WriteResult result;
+    std::optional<std::string> guid;
+};
+
 // The reference lists and the check marks of the tick-list screens.
 //
 // Without a database every reader gives an empty result and every writer
-// does nothing; a statement that fails is logged and reads the same way.
+// stores nothing and says why; a statement that fails is logged and reads
+// the same way.
 class ReferenceLists {
 public:
     explicit ReferenceLists(core::Context& context) : context_(context) {}
@@ -94,28 +103,30 @@ public:
     // pieces of `checked`.
     void loadConstList(std::vector<ListRow>& rows, int cotype, std::string_view checked);
 
-    // Stores a row; without a guid the row gets a fresh one. The guid used,
-    // or nothing when the row couldn't be stored.
-    std::optional<std::string> addConst(int cotype, std::string coname, int deleted,
-                                        std::optional<std::string> coguid = std::nullopt);
+    // Stores a row; without a guid the row gets a fresh one, which comes
+    // back when the row was stored.
+    AddedRow addConst(int cotype, std::string coname, int deleted,
+                      std::optional<std::string> coguid = std::nullopt);
 
     // Removes a user's row. Protected and already removed rows stay as they
-    // are. True when a row was removed.
-    bool deleteConst(std::string_view guid);
+    // are, which is no failure: the list screen doesn't offer them.
+    core::WriteResult deleteConst(std::string_view guid);
 
     // Stores the rows of `incoming` (from another device) that this device
     // lacks, under their own guids, in one transaction. Removed rows count as
     // known; an old numeric id is stored as its kind-2 guid, and a row
     // without a guid is skipped.
-    void correctConstList(const std::vector<ListRow>& incoming);
+    core::WriteResult correctConstList(const std::vector<ListRow>& incoming);
 
     // Adds a row from a list screen, then reloads `rows` with that list,
-    // keeping the ticks they had. The new guid, or nothing when no row was
-    // added: a food with a unit that isn't one of ours, or no database.
-    std::optional<std::string> addFromListScreen(const NewListRow& row, std::vector<ListRow>& rows);
+    // keeping the ticks they had. The new guid comes back when a row was
+    // stored; a food with a unit that isn't one of ours is not, and is no
+    // failure either.
+    AddedRow addFromListScreen(const NewListRow& row, std::vector<ListRow>& rows);
 
     // Ticks an item of a tick-list screen for a child, or clears the tick.
-    void setCheckData(int seltypeid, std::string_view tagguid, bool check, std::string_view gid);
+    core::WriteResult setCheckData(int seltypeid, std::string_view tagguid, bool check,
+                                   std::string_view gid);
     // The guids of the items ticked on a screen for a child.
     void loadCheckData(std::vector<std::string>& guids, int seltypeid, std::string_view gid);
 

@@ -121,13 +121,18 @@ std::vector<BackgroundItem> backgroundItems() {
     return items;
 }
 
-void changeBackground(core::AppState& state, platform::SettingsStore& settings, long long id) {
+core::WriteResult changeBackground(core::AppState& state, platform::SettingsStore& settings,
+                                   long long id) {
     settings.setInt(core::keys::backgroundId, id);
-    settings.synchronize();
+    const bool stored = settings.synchronize();
     state.backgroundId = id;
     correctBackground(state, false);
     state.menuDirty = true;
     state.markAllPagesDirty();
+    if (!stored) {
+        return core::WriteFailure::settings;
+    }
+    return {};
 }
 
 std::optional<Color> darkerColor(const Color& color, double size) {

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "core/write_result.h"
 #include "platform/canvas.h"
 #include "platform/image_codec.h"
 
@@ -42,8 +43,10 @@ struct BackgroundItem {
 std::vector<BackgroundItem> backgroundItems();
 
 // Stores the chosen background and applies it; the menu and every page are
-// marked for drawing anew.
-void changeBackground(core::AppState& state, platform::SettingsStore& settings, long long id);
+// marked for drawing anew. It applies even when the settings file can't be
+// written; the result says so.
+core::WriteResult changeBackground(core::AppState& state, platform::SettingsStore& settings,
+                                   long long id);
 
 // The colour made darker by the amount (lighter for a negative one), each
 // component kept within 0 and 1. Nothing for an amount of 0.

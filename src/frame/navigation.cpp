@@ -91,14 +91,14 @@ bool menuSetting(const platform::SettingsStore& settings, int rowId) {
     return settings.contains(*key) ? settings.boolValue(*key) : menuSettingDefault(rowId);
 }
 
-void changeMenuSetting(platform::SettingsStore& settings, core::AppState& state, int rowId,
-                       bool on) {
+core::WriteResult changeMenuSetting(platform::SettingsStore& settings, core::AppState& state,
+                                    int rowId, bool on) {
     const auto key = menuSettingKey(rowId);
     if (!key) {
-        return;
+        return {};
     }
     settings.setBool(*key, on);
-    settings.synchronize();
+    const bool stored = settings.synchronize();
     switch (rowId) {
         case 51:
             state.pageDirty[kEmptyNotePage] = true;
@@ -119,6 +119,10 @@ void changeMenuSetting(platform::SettingsStore& settings, core::AppState& state,
         default:
             break;
     }
+    if (!stored) {
+        return core::WriteFailure::settings;
+    }
+    return {};
 }
 
 }  // namespace tilika::frame

@@ -3,6 +3,8 @@
 #include <optional>
 #include <string_view>
 
+#include "core/write_result.h"
+
 namespace tilika::core {
 struct AppState;
 }
@@ -50,8 +52,10 @@ bool menuSettingDefault(int rowId);
 // The switch as stored.
 bool menuSetting(const platform::SettingsStore& settings, int rowId);
 // Stores a switch and lets the process see it: the flags that the whole
-// program reads, and the pages that show what it changes.
-void changeMenuSetting(platform::SettingsStore& settings, core::AppState& state, int rowId,
-                       bool on);
+// program reads, and the pages that show what it changes. The switch works
+// at once even when the settings file can't be written; the result says so,
+// and the store writes it again with the next change.
+core::WriteResult changeMenuSetting(platform::SettingsStore& settings, core::AppState& state,
+                                    int rowId, bool on);
 
 }  // namespace tilika::frame

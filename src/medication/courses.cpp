@@ -163,7 +163,7 @@ void Courses::removeNoteComplex(std::string_view type, std::string_view key) {
     std::vector<Found> found;
     // Collected first: the rows are rewritten below, which must not happen
     // under a statement still reading the table.
-    failed_ |= !core::runGuarded("removeNoteComplex", [&] {
+    const core::WriteResult read = core::tryWrite("removeNoteComplex", [&] {
         SQLite::Statement query(db_,
                                 "select childguid, sdat, value from childdata "
                                 "where type=? and value like ? escape '\\'");
@@ -180,6 +180,9 @@ void Courses::removeNoteComplex(std::string_view type, std::string_view key) {
                              core::stringFromBase(query, 2).value_or("")});
         }
     });
+    if (read_ && !read) {
+        read_ = read;
+    }
 
     for (const Found& row : found) {
         if (!row.day || !diary::jsonIs(row.value)) {
@@ -269,13 +272,14 @@ void Courses::saveNoteComplex(std::string_view type, std::string_view value, cor
     }
 }
 
-bool CourseReconciler::reconcile(SQLite::Database& db, std::string_view type,
-                                 std::string_view value, core::Date day, std::string_view gid,
-                                 const std::vector<diary::ListRow>& lists,
-                                 std::string_view old) const {
+core::WriteResult CourseReconciler::reconcile(SQLite::Database& db, std::string_view type,
+                                              std::string_view value, core::Date day,
+                                              std::string_view gid,
+                                              const std::vector<diary::ListRow>& lists,
+                                              std::string_view old) const {
     Courses courses(db, dates_);
     courses.saveNoteComplex(type, value, day, gid, lists, old);
-    return !courses.failed();
+    return courses.result();
 }
 
 }  // namespace tilika::medication

@@ -29,7 +29,8 @@ inline constexpr std::string_view kPillsType = "pills";
 // Works on a database that is already open and never opens a transaction of
 // its own: saving a day writes the day and all the course's days together, so
 // the caller wraps the whole save in one. A statement that fails is skipped
-// quietly, as everywhere in the diary.
+// quietly, as everywhere in the diary; a write that fails fails that
+// transaction, and result() tells of any.
 class Courses {
 public:
     Courses(SQLite::Database& db, const core::Dates& dates);
@@ -54,8 +55,8 @@ public:
                          std::string_view gid, const std::vector<diary::ListRow>& listData,
                          std::string_view old);
 
-    // Whether a statement has failed since the courses were made.
-    bool failed() const { return failed_ || rows_.failed(); }
+    // Whether a statement has failed since the courses were made, and why.
+    core::WriteResult result() const { return read_ ? rows_.result() : read_; }
 
 private:
     // The last day of a course as an offset from its first day.
@@ -68,7 +69,7 @@ private:
     SQLite::Database& db_;
     const core::Dates& dates_;
     diary::DayRows rows_;
-    bool failed_ = false;
+    core::WriteResult read_;  // the courses' own reads
 };
 
 // What the diary's day save asks of the courses, answered by Courses.
@@ -76,7 +77,7 @@ class CourseReconciler final : public diary::CoursesOfDay {
 public:
     explicit CourseReconciler(const core::Dates& dates) : dates_(dates) {}
 
-    bool reconcile(SQLite::Database& db, std::string_view type, std::string_view value,
+    core::WriteResult reconcile(SQLite::Database& db, std::string_view type, std::string_view value,
                    core::Date day, std::string_view gid, const std::vector<diary::ListRow>& lists,
                    std::string_view old) const override;
 

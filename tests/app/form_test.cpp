@@ -119,6 +119,7 @@ private slots:
                        {{"note", "старое"}, {"oldtooth", "1<tr>2"}},
                        [&](const frame::FormAnswer& given) {
                            answer = {given.parentFlag, given.rows};
+                           return true;
                        });
         QVERIFY(form_->isVisible());
         QCOMPARE(state_->openForms, 1);
@@ -199,8 +200,10 @@ private slots:
         left.startprogress = "Идет кормление левой грудью ...";
         std::optional<frame::FormRows> answer;
         form_->prepare(rows, QStringLiteral("Кормление"), window_.get(), nullptr, 18,
-                       {{"left", "00:10"}},
-                       [&](const frame::FormAnswer& given) { answer = given.rows; });
+                       {{"left", "00:10"}}, [&](const frame::FormAnswer& given) {
+                           answer = given.rows;
+                           return true;
+                       });
 
         form_->findChild<QPushButton*>(QStringLiteral("startButton"))->click();
         QWidget* overlay = form_->stopwatchOverlay();
@@ -232,8 +235,10 @@ private slots:
         request.msg = "Укажите болезнь";
         request.cotype = diary::cotype::illnesses;
         request.edit = true;
-        form_->detailPrepare(request, window_.get(), nullptr,
-                             [&](const frame::FormAnswer& given) { answer = given.rows; });
+        form_->detailPrepare(request, window_.get(), nullptr, [&](const frame::FormAnswer& given) {
+            answer = given.rows;
+            return true;
+        });
         auto* list = control<QWidget>(2);
         const auto before = list->findChildren<QAbstractButton*>(QStringLiteral("listItem")).size();
 
@@ -259,6 +264,26 @@ private slots:
         QCOMPARE(QString::fromStdString(added->cap), QStringLiteral("Ветрянка<tr>1"));
         QCOMPARE(added->deleted, diary::rowstate::protectedRow);
 
+        // A type that can't be stored keeps its form, name and all, until
+        // the database takes it.
+        list->findChild<QAbstractButton*>(QStringLiteral("addItem"))->click();
+        add = form_->subForm();
+        add->findChild<QLineEdit*>()->setText(QStringLiteral("Скарлатина"));
+        database_->connectToBase()->exec("PRAGMA query_only = 1");
+        add->findChild<QPushButton*>(QStringLiteral("ok"))->click();
+        QVERIFY(add->isOpen());
+        auto* box = add->findChild<QMessageBox*>();
+        QVERIFY(box != nullptr);
+        QVERIFY(box->text().startsWith(QStringLiteral("Не удалось сохранить данные: ")));
+        box->close();
+        QCOMPARE(add->findChild<QLineEdit*>()->text(), QStringLiteral("Скарлатина"));
+        database_->connectToBase()->exec("PRAGMA query_only = 0");
+        add->findChild<QPushButton*>(QStringLiteral("ok"))->click();
+        QVERIFY(!add->isOpen());
+        QCOMPARE(
+            control<QWidget>(2)->findChildren<QAbstractButton*>(QStringLiteral("listItem")).size(),
+            before + 2);
+
         // A product needs its unit: without one the form stays open.
         frame::FormRows rows;
         auto& food = addRow(rows, formkind::list, "Продукт", "food");
@@ -267,7 +292,10 @@ private slots:
         food.listedittype = 3;
         food.edit = true;
         form_->prepare(rows, QStringLiteral("Прикорм"), window_.get(), nullptr, 1, {},
-                       [&](const frame::FormAnswer& given) { answer = given.rows; });
+                       [&](const frame::FormAnswer& given) {
+                           answer = given.rows;
+                           return true;
+                       });
         control<QWidget>(1)->findChild<QAbstractButton*>(QStringLiteral("addItem"))->click();
         add = form_->subForm();
         QCOMPARE(add->findChild<QLabel*>()->text(), QStringLiteral("Новый продукт"));
@@ -292,8 +320,10 @@ private slots:
         diary::EntryForm sleep = diary::periodForm("sleep", "21:30", std::nullopt);
         std::optional<frame::FormRows> answer;
         form_->prepare(sleep.rows, QString::fromStdString(sleep.caption), window_.get(), nullptr,
-                       -1, sleep.defaults,
-                       [&](const frame::FormAnswer& given) { answer = given.rows; });
+                       -1, sleep.defaults, [&](const frame::FormAnswer& given) {
+                           answer = given.rows;
+                           return true;
+                       });
         QCOMPARE(labelWithTag(1001)->text(), QStringLiteral("21:30"));
         // The end starts at the clock's time.
         QCOMPARE(labelWithTag(1002)->text(), QStringLiteral("10:00"));
@@ -332,8 +362,10 @@ private slots:
             });
         });
         form_->prepare(course.rows, QString::fromStdString(course.caption), window_.get(), nullptr,
-                       -1, course.defaults,
-                       [&](const frame::FormAnswer& given) { answer = given.rows; });
+                       -1, course.defaults, [&](const frame::FormAnswer& given) {
+                           answer = given.rows;
+                           return true;
+                       });
         QCOMPARE(valueOf(3), QStringLiteral("3 раза в сутки"));
         QCOMPARE(valueOf(5), QStringLiteral("Независимо от еды"));
 
@@ -396,11 +428,11 @@ private slots:
         addRow(rows, formkind::action, "Редактировать", "edit");
         addRow(rows, formkind::action, "Удалить", "remove");
         std::optional<std::string> sender;
-        form_->prepare(rows, QStringLiteral("Запись"), window_.get(), window_.get(), 3, {},
-                       [&](const frame::FormAnswer& given) {
-                           QVERIFY(given.sender.has_value());
-                           sender = given.rows.at(*given.sender).field;
-                       });
+        const auto hear = [&](const frame::FormAnswer& given) {
+            sender = given.sender ? given.rows.at(*given.sender).field : "no row";
+            return true;
+        };
+        form_->prepare(rows, QStringLiteral("Запись"), window_.get(), window_.get(), 3, {}, hear);
         QVERIFY(okButton()->isHidden());
         control<QAbstractButton>(2)->click();
         QCOMPARE(sender.value_or(""), std::string("remove"));
@@ -409,26 +441,58 @@ private slots:
         // A caller that is gone hears nothing.
         auto target = std::make_unique<QObject>();
         sender.reset();
-        form_->prepare(rows, QStringLiteral("Запись"), window_.get(), target.get(), 3, {},
-                       [&](const frame::FormAnswer& given) {
-                           sender = given.rows.at(given.sender.value()).field;
-                       });
+        form_->prepare(rows, QStringLiteral("Запись"), window_.get(), target.get(), 3, {}, hear);
         target.reset();
         control<QAbstractButton>(1)->click();
         QVERIFY(!sender);
+        QVERIFY(!form_->isOpen());
+        QCOMPARE(state_->openForms, 0);
+    }
+
+    void aCallerThatCouldNotSaveKeepsTheFormOpen() {
+        frame::FormRows rows;
+        addRow(rows, formkind::textLine, "Имя", "name");
+        bool saves = false;
+        int answers = 0;
+        std::string name;
+        int closings = 0;
+        connect(form_.data(), &frame::dic::closed, this, [&] { ++closings; });
+        form_->prepare(rows, QStringLiteral("Запись"), window_.get(), window_.get(), 3, {},
+                       [&](const frame::FormAnswer& given) {
+                           ++answers;
+                           name = frame::fieldValue(given.rows, "name").value_or("");
+                           return saves;
+                       });
+        control<QLineEdit>(1)->setText(QStringLiteral("Маша"));
+        okButton()->click();
+        QCOMPARE(answers, 1);
+        QCOMPARE(name, std::string("Маша"));
+        QVERIFY(form_->isOpen());
+        QCOMPARE(closings, 0);
+        QCOMPARE(state_->openForms, 1);
+        QCOMPARE(control<QLineEdit>(1)->text(), QStringLiteral("Маша"));
+
+        saves = true;
+        okButton()->click();
+        QCOMPARE(answers, 2);
+        QVERIFY(!form_->isOpen());
+        QCOMPARE(closings, 1);
         QCOMPARE(state_->openForms, 0);
 
-        // Nor one let go when the form closes.
-        target = std::make_unique<QObject>();
-        form_->prepare(rows, QStringLiteral("Запись"), window_.get(), target.get(), 3, {},
-                       [&](const frame::FormAnswer& given) {
-                           sender = given.rows.at(given.sender.value()).field;
+        // A caller may open the form again with new rows as it answers;
+        // they stay up.
+        form_->prepare(rows, QStringLiteral("Запись"), window_.get(), nullptr, 3, {},
+                       [&](const frame::FormAnswer&) {
+                           frame::FormRows next;
+                           addRow(next, formkind::textLine, "Фамилия", "surname");
+                           form_->prepare(next, QStringLiteral("Дальше"), window_.get(), nullptr, 4,
+                                          {}, {});
+                           return true;
                        });
-        const auto connection =
-            connect(form_.data(), &frame::dic::closed, this, [&] { target.reset(); });
-        control<QAbstractButton>(1)->click();
-        disconnect(connection);
-        QVERIFY(!sender);
+        okButton()->click();
+        QVERIFY(form_->isOpen());
+        QCOMPARE(form_->posByField("surname"), std::size_t{1});
+        QCOMPARE(state_->openForms, 1);
     }
 
     void photoIsPickedAndCleared() {
@@ -441,7 +505,10 @@ private slots:
         });
         std::optional<frame::FormRows> answer;
         form_->prepare(rows, QStringLiteral("Фото"), window_.get(), nullptr, 1, {},
-                       [&](const frame::FormAnswer& given) { answer = given.rows; });
+                       [&](const frame::FormAnswer& given) {
+                           answer = given.rows;
+                           return true;
+                       });
         const auto choose = [&](const QString& caption) {
             form_->findChild<QPushButton*>(QStringLiteral("photo"))->click();
             QToolButton* item = nullptr;
@@ -474,6 +541,7 @@ private slots:
         form_->prepare(profile.rows, QString::fromStdString(profile.caption), window_.get(),
                        nullptr, profile.parentFlag, {}, [&](const frame::FormAnswer& given) {
                            answer = {given.parentFlag, given.rows.size()};
+                           return true;
                        });
         QTest::qWait(50);
         save(window_->grab(), "form_profile.png");

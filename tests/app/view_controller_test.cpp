@@ -8,6 +8,7 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QPushButton>
 #include <QScrollArea>
 #include <QTemporaryDir>
@@ -15,6 +16,7 @@
 #include <QtTest>
 
 #include "core/context.h"
+#include "core/database.h"
 #include "core/dates.h"
 #include "core/ids.h"
 #include "core/settings_keys.h"
@@ -112,6 +114,55 @@ private slots:
         QVERIFY(!state().activeGid);
         QTRY_VERIFY(!maria->rowViews().front()->isVisible());
         QCOMPARE(maria->height(), session::kClosedBlockHeight);
+    }
+
+    void aProfileThatCannotBeSavedStaysInItsForm() {
+        launchPastWelcome();
+        const std::size_t before = menu()->childBlocks().size();
+        menu()->mainRow(31)->click();
+        frame::dic* form = root_->setupForm();
+        QVERIFY(form != nullptr && form->isOpen());
+        auto* name = widgetWithTag<QLineEdit>(form, static_cast<int>(form->posByField("name")));
+        QVERIFY(name != nullptr);
+        name->setText(QStringLiteral("Маша"));
+        auto* ok = form->findChild<QPushButton*>(QStringLiteral("ok"), Qt::FindDirectChildrenOnly);
+
+        // The diary stops taking writes under the running program.
+        SQLite::Database* db = session_->application().context().database.connectToBase();
+        QVERIFY(db != nullptr);
+        db->exec("PRAGMA query_only = 1");
+        ok->click();
+        QMessageBox* box = nullptr;
+        QTRY_VERIFY((box = form->findChild<QMessageBox*>()) != nullptr && box->isVisible());
+        QCOMPARE(box->text(), QStringLiteral("Не удалось сохранить данные: папка с данными "
+                                             "доступна только для чтения."));
+        QVERIFY(form->isOpen());
+        QCOMPARE(name->text(), QStringLiteral("Маша"));
+        QCOMPARE(menu()->childBlocks().size(), before);
+
+        // The message is a window of its own, drawn over the form as the
+        // parent sees it, narrowed to the phone's width where it is wider.
+        QPixmap shot = root_->grab();
+        {
+            QPixmap message = box->grab();
+            if (message.width() > shot.width() - 16) {
+                message = message.scaledToWidth(shot.width() - 16, Qt::SmoothTransformation);
+            }
+            QPainter painter(&shot);
+            painter.drawPixmap((shot.width() - message.width()) / 2,
+                               (shot.height() - message.height()) / 2, message);
+        }
+        save(shot, "save_failed.png");
+        box->close();
+
+        // Writable again, the same OK saves what was typed.
+        db->exec("PRAGMA query_only = 0");
+        ok->click();
+        QVERIFY(!form->isOpen());
+        QCOMPARE(menu()->childBlocks().size(), before + 1);
+        frame::menu::ChildBlockView* masha = blockNamed(QStringLiteral("Маша"));
+        QVERIFY(masha != nullptr);
+        QCOMPARE(state().activeGid, std::optional(masha->guid()));
     }
 
     void settingSwitchesKeepTheirKeys() {
@@ -236,7 +287,7 @@ private slots:
         const std::string gid = core::newID();
         diary::SetupRecord record = profiles.loadSetupData(gid);
         record.name = "Петя";
-        profiles.saveSetupData(diary::saveflag::cloud, record, gid);
+        QVERIFY(profiles.saveSetupData(diary::saveflag::cloud, record, gid));
         const std::size_t before = menu()->childBlocks().size();
 
         session_->application().context().settings.setInt(core::keys::oproscount, 3);
@@ -454,7 +505,7 @@ private:
         diary::SetupRecord record = profiles.loadSetupData(gid);
         record.name = name.toStdString();
         record.sbirthdate = birth;
-        profiles.saveSetupData(diary::saveflag::cloud, record, gid);
+        QVERIFY(profiles.saveSetupData(diary::saveflag::cloud, record, gid));
     }
 
     // Tab, or Shift+Tab, where the focus is; the widget it goes to.

@@ -177,7 +177,7 @@ private:
         diary::SetupRecord record = profiles.loadSetupData(gid);
         record.name = name;
         record.sbirthdate = birth;
-        profiles.saveSetupData(diary::saveflag::cloud, record, gid);
+        QVERIFY(profiles.saveSetupData(diary::saveflag::cloud, record, gid));
     }
 
     core::AppState& state() { return session_->application().state(); }

@@ -4,6 +4,7 @@
 
 #include <fstream>
 #include <set>
+#include <sqlite3.h>
 
 #include "core/dates.h"
 #include "core/ids.h"
@@ -272,6 +273,24 @@ TEST_F(DatabaseStoreTest, WritesOfOneActionLandTogether) {
         addNote("lost");
     }
     EXPECT_EQ(count(db, "select count(*) from childdata"), 2);
+
+    // A part that failed inside, even one whose failure was caught and
+    // dropped on the way, fails the whole: nothing of it is kept.
+    db.exec("PRAGMA query_only = 1");
+    const WriteResult result = tryWrite("whole", [&] {
+        WriteTransaction outer(db);
+        EXPECT_FALSE(runGuarded("part", [&] {
+            WriteTransaction inner(db);
+            addNote("half");
+            inner.commit();
+        }));
+        db.exec("PRAGMA query_only = 0");
+        addNote("other half");
+        outer.commit();
+    });
+    EXPECT_EQ(result.failure(), WriteFailure::readOnly);
+    EXPECT_EQ(count(db, "select count(*) from childdata"), 2);
+    EXPECT_NE(sqlite3_get_autocommit(db.getHandle()), 0);
 }
 
 TEST_F(DatabaseStoreTest, QuietlyEndsAFailedStatement) {

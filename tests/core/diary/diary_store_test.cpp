@@ -6,7 +6,6 @@
 
 #include "core/ids.h"
 #include "diary/day_rows.h"
-#include "medication/courses.h"
 #include "support/core_fixture.h"
 
 namespace tilika::diary {
@@ -16,7 +15,6 @@ namespace fs = std::filesystem;
 
 class DiaryStoreTest : public test::CoreFixture {
 protected:
-    const medication::CourseReconciler courses{dates};
     DiaryStore store{context, courses};
     Profiles profiles{context};
     const std::string illGuid = core::newID2(core::idkind::listRow, 66);  // Корь
@@ -33,7 +31,7 @@ protected:
         record.name = "Аня";
         record.sbirthdate = birth;
         record.ves = ves;
-        profiles.saveSetupData(saveflag::cloud, record, gid);
+        EXPECT_TRUE(profiles.saveSetupData(saveflag::cloud, record, gid));
         return gid;
     }
 
@@ -46,6 +44,15 @@ protected:
         std::vector<DayNote> days;
         store.loadNoteData(days, regim, year, at(date), gid);
         return days;
+    }
+
+    // A course of three doses a day for a week from 20 November.
+    static std::string weekCourse() {
+        return R"([{"pillname":")" + core::newID2(core::idkind::seededRow, 8) +
+               R"(","pilldoza":"1<td>шт.","pillinter":"3<td>раз в день","pillperiod":")" +
+               core::newID2(core::idkind::seededRow, 10) + R"(","pilleat":")" +
+               core::newID2(core::idkind::seededRow, 18) +
+               R"(","pilllength":"1<td>недели","pillsdate":"20.11.2026"}])";
     }
 
     const DayNote* find(const std::vector<DayNote>& days, const char* date) {
@@ -245,7 +252,7 @@ TEST_F(DiaryStoreTest, SavingADayReplacesItWhole) {
     rows[16].source = "новая заметка";  // note
     rows[9].source = "";                // smile
     rows[7].source = "8.250";           // ves
-    store.saveNoteData(1, rows, list, gid, at("2026-11-20"));
+    EXPECT_TRUE(store.saveNoteData(1, rows, list, gid, at("2026-11-20")));
 
     const DayNote saved = store.todayNoteForDay(at("2026-11-20"), gid);
     EXPECT_EQ(saved.value("note"), "новая заметка");
@@ -259,7 +266,7 @@ TEST_F(DiaryStoreTest, SavingADayReplacesItWhole) {
         "begin select raise(abort, 'disk full'); end");
     rows[16].source = "сбой";
     rows[9].source = "не сохранится";
-    store.saveNoteData(1, rows, list, gid, at("2026-11-20"));
+    EXPECT_FALSE(store.saveNoteData(1, rows, list, gid, at("2026-11-20")));
     const DayNote kept = store.todayNoteForDay(at("2026-11-20"), gid);
     EXPECT_EQ(kept.value("note"), "новая заметка");
     EXPECT_EQ(kept.values.count("smile"), 0u);
@@ -269,17 +276,11 @@ TEST_F(DiaryStoreTest, ACourseSavedOnOneDayLivesOnAllItsDays) {
     const std::string gid = addChild("2026-01-10");
     std::vector<ListRow> list;
     store.lists().loadConstList(list, cotype::all, "");
-    const std::string course =
-        R"([{"pillname":")" + core::newID2(core::idkind::seededRow, 8) +
-        R"(","pilldoza":"1<td>шт.","pillinter":"3<td>раз в день","pillperiod":")" +
-        core::newID2(core::idkind::seededRow, 10) + R"(","pilleat":")" +
-        core::newID2(core::idkind::seededRow, 18) +
-        R"(","pilllength":"1<td>недели","pillsdate":"20.11.2026"}])";
 
     std::vector<CatalogueRow> rows;
     store.noteStructToTodayNote(store.todayNoteForDay(at("2026-11-20"), gid), rows, list);
-    rows[4].source = course;
-    store.saveNoteData(1, rows, list, gid, at("2026-11-20"));
+    rows[4].source = weekCourse();
+    EXPECT_TRUE(store.saveNoteData(1, rows, list, gid, at("2026-11-20")));
     EXPECT_EQ(queryText("select count(*) from childdata where type='pills'"), "7");
     EXPECT_EQ(queryText("select max(sdat) from childdata where type='pills'"), "2026-11-26");
 
@@ -289,8 +290,67 @@ TEST_F(DiaryStoreTest, ACourseSavedOnOneDayLivesOnAllItsDays) {
     ASSERT_EQ(rows[4].multiarray.size(), 1u);
     EXPECT_TRUE(rows[4].multiarray[0].text.starts_with("Нурофен: 1 штука"));
     rows[4].source = "";
-    store.saveNoteData(1, rows, list, gid, at("2026-11-24"));
+    EXPECT_TRUE(store.saveNoteData(1, rows, list, gid, at("2026-11-24")));
     EXPECT_EQ(queryText("select count(*) from childdata where type='pills'"), "0");
+}
+
+TEST_F(DiaryStoreTest, ADayIsSavedWholeOrNotAtAll) {
+    const std::string gid = addChild("2026-01-10");
+    put(gid, "2026-11-20", "note", "старая заметка");
+    put(gid, "2026-11-24", "note", "другой день");
+    std::vector<ListRow> list;
+    store.lists().loadConstList(list, cotype::all, "");
+    std::vector<CatalogueRow> rows;
+    store.noteStructToTodayNote(store.todayNoteForDay(at("2026-11-20"), gid), rows, list);
+    rows[4].source = weekCourse();
+    rows[16].source = "новая заметка";
+    const auto unchanged = [&] {
+        EXPECT_EQ(queryText("select count(*) from childdata where type='pills'"), "0");
+        EXPECT_EQ(queryText("select count(*) from childdata"), "2");
+        EXPECT_EQ(store.todayNoteForDay(at("2026-11-20"), gid).value("note"), "старая заметка");
+    };
+
+    // The course's fifth day can't be written, deep inside the save.
+    db().exec(
+        "create temp trigger failDay before insert on childdata "
+        "when new.type='pills' and new.sdat='2026-11-24' "
+        "begin select raise(abort, 'disk full'); end");
+    const core::WriteResult saved = store.saveNoteData(1, rows, list, gid, at("2026-11-20"));
+    EXPECT_FALSE(saved);
+    EXPECT_TRUE(saved.message().starts_with("Не удалось сохранить данные: ")) << saved.message();
+    unchanged();
+    db().exec("drop trigger failDay");
+
+    // A record from another device brings a list row of its own, which
+    // lands with the day or not at all.
+    std::vector<ListRow> incoming = list;
+    const std::string medicine = "AAAAAAAA-1111-4111-8111-000000000001";
+    incoming.push_back({"Энтерофурил", medicine, cotype::medicines, 0, 1, false});
+    db().exec(
+        "create temp trigger failList before insert on childconst "
+        "begin select raise(abort, 'disk full'); end");
+    EXPECT_FALSE(store.saveNoteData(2, rows, incoming, gid, at("2026-11-20")));
+    unchanged();
+    db().exec("drop trigger failList");
+
+    // The same database that can't be written at all says so.
+    db().exec("PRAGMA query_only = 1");
+    EXPECT_EQ(store.saveNoteData(2, rows, incoming, gid, at("2026-11-20")).failure(),
+              core::WriteFailure::readOnly);
+    EXPECT_EQ(store.noteDeleteValue(at("2026-11-24"), "note", gid).failure(),
+              core::WriteFailure::readOnly);
+    EXPECT_EQ(store.noteDeleteValue(at("2026-11-20"), std::nullopt, gid).failure(),
+              core::WriteFailure::readOnly);
+    EXPECT_EQ(store.moveDates(true).failure(), core::WriteFailure::readOnly);
+    unchanged();
+    EXPECT_EQ(queryText("select sdat from childdata order by sdat"), "2026-11-20");
+
+    db().exec("PRAGMA query_only = 0");
+    EXPECT_TRUE(store.saveNoteData(2, rows, incoming, gid, at("2026-11-20")));
+    EXPECT_EQ(queryText("select count(*) from childdata where type='pills'"), "7");
+    EXPECT_EQ(store.todayNoteForDay(at("2026-11-20"), gid).value("note"), "новая заметка");
+    EXPECT_EQ(queryText("select coname from childconst where coguid='" + medicine + "'"),
+              "Энтерофурил");
 }
 
 TEST_F(DiaryStoreTest, MovesDiaryDaysButNotFeedings) {
@@ -300,11 +360,11 @@ TEST_F(DiaryStoreTest, MovesDiaryDaysButNotFeedings) {
         "insert into childkorm (kodates, kotype, kovalue, childguid) values "
         "('2026-03-01 08:00:00', 1, '{}', '" +
         gid + "')");
-    store.moveDates(true);
+    EXPECT_TRUE(store.moveDates(true));
     EXPECT_EQ(queryText("select sdat from childdata"), "2026-03-02");
     EXPECT_EQ(queryText("select kodates from childkorm"), "2026-03-01 08:00:00");
-    store.moveDates(false);
-    store.moveDates(false);
+    EXPECT_TRUE(store.moveDates(false));
+    EXPECT_TRUE(store.moveDates(false));
     EXPECT_EQ(queryText("select sdat from childdata"), "2026-02-28");
 }
 

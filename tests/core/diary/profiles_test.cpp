@@ -31,7 +31,7 @@ protected:
             }
         }
         SetupRecord record = form.setupArrayToDic(content.rows, guidToSave);
-        profiles.saveSetupData(saveflag::form, record, guidToSave);
+        EXPECT_TRUE(profiles.saveSetupData(saveflag::form, record, guidToSave));
     }
 
     static std::string readFile(const fs::path& file) {
@@ -91,7 +91,7 @@ TEST_F(ProfilesTest, SavingFromTheFormKeepsTheAllergens) {
     SetupRecord fromCloud = profiles.loadSetupData(gid);
     fromCloud.sbirthdate = "2026-11-22";
     fromCloud.allerg = core::newID2(core::idkind::listRow, 100);
-    profiles.saveSetupData(saveflag::cloud, fromCloud, gid);
+    EXPECT_TRUE(profiles.saveSetupData(saveflag::cloud, fromCloud, gid));
     EXPECT_EQ(profiles.loadSetupData(gid).allerg, fromCloud.allerg);
 
     saveFromForm(gid, gid, {{"name", "Миша"}});
@@ -102,7 +102,7 @@ TEST_F(ProfilesTest, SavingFromTheFormKeepsTheAllergens) {
     // A record from another device brings its own list, even an empty one.
     SetupRecord cleared = stored;
     cleared.allerg = "";
-    profiles.saveSetupData(saveflag::cloud, cleared, gid);
+    EXPECT_TRUE(profiles.saveSetupData(saveflag::cloud, cleared, gid));
     EXPECT_EQ(profiles.loadSetupData(gid).allerg, "");
 }
 
@@ -117,7 +117,7 @@ TEST_F(ProfilesTest, RemovalHidesTheChildButKeepsTheDiary) {
 
     SetupRecord removal = form.setupArrayToDic({}, gid);
     EXPECT_EQ(removal.active, false);
-    profiles.saveSetupData(saveflag::form, removal, gid);
+    EXPECT_TRUE(profiles.saveSetupData(saveflag::form, removal, gid));
 
     EXPECT_TRUE(profiles.profileList().empty());
     EXPECT_TRUE(profiles.childNames().empty());
@@ -127,8 +127,37 @@ TEST_F(ProfilesTest, RemovalHidesTheChildButKeepsTheDiary) {
 
     // Removing a child that was never saved changes nothing.
     SetupRecord nobody = form.setupArrayToDic({}, "NOBODY");
-    profiles.saveSetupData(saveflag::form, nobody, "NOBODY");
+    EXPECT_TRUE(profiles.saveSetupData(saveflag::form, nobody, "NOBODY"));
     EXPECT_EQ(queryText("select count(*) from child"), "1");
+}
+
+TEST_F(ProfilesTest, AProfileThatCannotBeWrittenStaysAsItWas) {
+    const std::string gid = core::newID2(core::idkind::profile, 1);
+    saveFromForm(gid, gid, {{"name", "Миша"}});
+    fs::create_directories(profiles.portraitPath(gid).parent_path());
+    std::ofstream(profiles.portraitPath(gid)) << "PIC 4x4";
+    const std::string children = queryText("select count(*) from child");
+
+    db().exec("PRAGMA query_only = 1");
+    SetupRecord renamed = profiles.loadSetupData(gid);
+    renamed.name = "Михаил";
+    const core::WriteResult saved = profiles.saveSetupData(saveflag::form, renamed, gid);
+    EXPECT_EQ(saved.failure(), core::WriteFailure::readOnly);
+    EXPECT_EQ(saved.message(),
+              "Не удалось сохранить данные: папка с данными доступна только для чтения.");
+    SetupRecord newborn = profiles.loadSetupData("NEW-CHILD");
+    newborn.name = "Лена";
+    EXPECT_FALSE(profiles.saveSetupData(saveflag::form, newborn, "NEW-CHILD"));
+    // A removal that fails keeps the child's portrait too.
+    EXPECT_FALSE(profiles.saveSetupData(saveflag::form, form.setupArrayToDic({}, gid), gid));
+    EXPECT_TRUE(fs::exists(profiles.portraitPath(gid)));
+    EXPECT_EQ(profiles.loadSetupData(gid).name, "Миша");
+    EXPECT_EQ(queryText("select count(*) from child"), children);
+    EXPECT_EQ(profiles.profileList().size(), 1u);
+
+    db().exec("PRAGMA query_only = 0");
+    EXPECT_TRUE(profiles.saveSetupData(saveflag::form, renamed, gid));
+    EXPECT_EQ(profiles.loadSetupData(gid).name, "Михаил");
 }
 
 TEST_F(ProfilesTest, SavingAChildWithoutABirthDateNeverDoublesIt) {
@@ -230,7 +259,8 @@ TEST_F(ProfilesTest, ReadsNothingWithoutADatabase) {
     EXPECT_TRUE(record.active.value_or(false));
     EXPECT_FALSE(record.sbirthdate);
     SetupRecord save = record;
-    profiles.saveSetupData(saveflag::form, save, "X");
+    EXPECT_EQ(profiles.saveSetupData(saveflag::form, save, "X").failure(),
+              core::WriteFailure::noDatabase);
     EXPECT_FALSE(fs::exists(database.path()));
 }
 

@@ -36,7 +36,8 @@ protected:
 };
 
 TEST_F(ReferenceListsTest, ListsShowProtectedRowsFirstInCaptionOrder) {
-    const std::string own = lists.addConst(cotype::illnesses, "Аденоидит", rowstate::user).value();
+    const std::string own =
+        lists.addConst(cotype::illnesses, "Аденоидит", rowstate::user).guid.value();
     const std::vector<ListRow> rows = load(cotype::illnesses);
 
     ASSERT_GT(rows.size(), 3u);
@@ -53,16 +54,17 @@ TEST_F(ReferenceListsTest, ListsShowProtectedRowsFirstInCaptionOrder) {
 
 TEST_F(ReferenceListsTest, OnlyUsersRowsCanBeRemovedAndStayReadable) {
     const std::string measles = templateRow(66);
-    EXPECT_FALSE(lists.deleteConst(measles));
+    EXPECT_TRUE(lists.deleteConst(measles));
     const ListRow kept = found(measles, load(cotype::illnesses));
     EXPECT_EQ(kept.cap, "Корь<tr>1");
     EXPECT_EQ(kept.deleted, rowstate::protectedRow);
     EXPECT_FALSE(removable(kept));
 
-    const std::string own = lists.addConst(cotype::complaints, "Икота", rowstate::user).value();
+    const std::string own =
+        lists.addConst(cotype::complaints, "Икота", rowstate::user).guid.value();
     ASSERT_TRUE(removable(found(own, load(cotype::complaints))));
     EXPECT_TRUE(lists.deleteConst(own));
-    EXPECT_FALSE(lists.deleteConst(own));
+    EXPECT_TRUE(lists.deleteConst(own));
     EXPECT_EQ(found(own, load(cotype::complaints)), ListRow{});
     EXPECT_EQ(found(own, load(cotype::all)),
               (ListRow{"Икота", own, cotype::complaints, rowstate::removed, 1, false}));
@@ -120,7 +122,8 @@ TEST_F(ReferenceListsTest, OldNumericIdsAndRowsInMemoryAreFound) {
 }
 
 TEST_F(ReferenceListsTest, IncomingRowsAddOnlyWhatIsMissing) {
-    const std::string own = lists.addConst(cotype::medicines, "Смекта", rowstate::user).value();
+    const std::string own =
+        lists.addConst(cotype::medicines, "Смекта", rowstate::user).guid.value();
     ASSERT_TRUE(lists.deleteConst(own));
     const int before = rowCount();
     const std::string fresh = "AAAAAAAA-1111-4111-8111-000000000001";
@@ -133,8 +136,8 @@ TEST_F(ReferenceListsTest, IncomingRowsAddOnlyWhatIsMissing) {
         {"Нет guid", "", cotype::medicines, 0, 1, false},
         {"Старый", "777", cotype::complaints, 2, 1, false},
     };
-    lists.correctConstList(incoming);
-    lists.correctConstList(incoming);
+    EXPECT_TRUE(lists.correctConstList(incoming));
+    EXPECT_TRUE(lists.correctConstList(incoming));
 
     EXPECT_EQ(rowCount(), before + 2);
     const std::vector<ListRow> all = load(cotype::all);
@@ -149,8 +152,9 @@ TEST_F(ReferenceListsTest, ListScreensAddRowsByTheirKind) {
     // The caption and `deleted` of the row added, as the reloaded list shows it.
     using Stored = std::pair<std::string, int>;
     const auto add = [&](const NewListRow& row, std::vector<ListRow>& rows) {
-        const std::optional<std::string> guid = lists.addFromListScreen(row, rows);
-        const ListRow* added = guid ? listByIndex(*guid, rows) : nullptr;
+        const AddedRow stored = lists.addFromListScreen(row, rows);
+        EXPECT_TRUE(stored.result);
+        const ListRow* added = stored.guid ? listByIndex(*stored.guid, rows) : nullptr;
         return added ? Stored{added->cap, added->deleted} : Stored{"-", -1};
     };
 
@@ -170,25 +174,56 @@ TEST_F(ReferenceListsTest, ListScreensAddRowsByTheirKind) {
               (Stored{"Творог (гр.)<tr>11", 0}));
     EXPECT_EQ(meraToRead(foodUnit(cotype::otherFood, "Творог (гр.)<tr>11")), "Граммы (гр.)");
 
+    // A unit that isn't one of ours is not stored, and that is no failure.
     const std::size_t shown = rows.size();
-    EXPECT_FALSE(lists.addFromListScreen(
-        NewListRow::food(cotype::otherFood, "Кефир", "Стаканы (ст.)"), rows));
+    const AddedRow unknown = lists.addFromListScreen(
+        NewListRow::food(cotype::otherFood, "Кефир", "Стаканы (ст.)"), rows);
+    EXPECT_TRUE(unknown.result);
+    EXPECT_FALSE(unknown.guid);
     EXPECT_EQ(rows.size(), shown);
 }
 
+TEST_F(ReferenceListsTest, ListWritesThatCannotLandSaySoAndChangeNothing) {
+    const std::string own =
+        lists.addConst(cotype::complaints, "Икота", rowstate::user).guid.value();
+    ASSERT_TRUE(lists.setCheckData(1, "TAG-A", true, "CHILD-1"));
+    const int before = rowCount();
+    std::vector<ListRow> rows = load(cotype::complaints, own);
+    const std::vector<ListRow> shown = rows;
+
+    db().exec("PRAGMA query_only = 1");
+    const auto readOnly = std::optional(core::WriteFailure::readOnly);
+    const AddedRow added =
+        lists.addFromListScreen(NewListRow::plain(cotype::complaints, "Зевота"), rows);
+    EXPECT_EQ(added.result.failure(), readOnly);
+    EXPECT_FALSE(added.guid);
+    EXPECT_EQ(rows, shown);  // read again, ticks and all
+    EXPECT_EQ(lists.deleteConst(own).failure(), readOnly);
+    EXPECT_EQ(lists.correctConstList({{"Смекта", "SOME-GUID-0001", cotype::medicines, 0, 1, false}})
+                  .failure(),
+              readOnly);
+    EXPECT_EQ(lists.setCheckData(1, "TAG-A", false, "CHILD-1").failure(), readOnly);
+
+    EXPECT_EQ(rowCount(), before);
+    EXPECT_TRUE(removable(found(own, load(cotype::complaints))));
+    std::vector<std::string> ticks;
+    lists.loadCheckData(ticks, 1, "CHILD-1");
+    EXPECT_EQ(ticks, std::vector<std::string>{"TAG-A"});
+}
+
 TEST_F(ReferenceListsTest, CheckMarksBelongToOneChildAndScreen) {
-    lists.setCheckData(1, "TAG-A", true, "CHILD-1");
-    lists.setCheckData(1, "TAG-A", true, "CHILD-1");
-    lists.setCheckData(1, "TAG-B", true, "CHILD-1");
-    lists.setCheckData(1, "TAG-A", true, "CHILD-2");
-    lists.setCheckData(2, "TAG-A", true, "CHILD-1");
+    EXPECT_TRUE(lists.setCheckData(1, "TAG-A", true, "CHILD-1"));
+    EXPECT_TRUE(lists.setCheckData(1, "TAG-A", true, "CHILD-1"));
+    EXPECT_TRUE(lists.setCheckData(1, "TAG-B", true, "CHILD-1"));
+    EXPECT_TRUE(lists.setCheckData(1, "TAG-A", true, "CHILD-2"));
+    EXPECT_TRUE(lists.setCheckData(2, "TAG-A", true, "CHILD-1"));
 
     std::vector<std::string> guids{"stale"};
     lists.loadCheckData(guids, 1, "CHILD-1");
     std::sort(guids.begin(), guids.end());
     EXPECT_EQ(guids, (std::vector<std::string>{"TAG-A", "TAG-B"}));
 
-    lists.setCheckData(1, "TAG-A", false, "CHILD-1");
+    EXPECT_TRUE(lists.setCheckData(1, "TAG-A", false, "CHILD-1"));
     lists.loadCheckData(guids, 1, "CHILD-1");
     EXPECT_EQ(guids, std::vector<std::string>{"TAG-B"});
     lists.loadCheckData(guids, 1, "CHILD-2");
@@ -197,18 +232,25 @@ TEST_F(ReferenceListsTest, CheckMarksBelongToOneChildAndScreen) {
     EXPECT_EQ(guids, std::vector<std::string>{"TAG-A"});
 }
 
-TEST_F(ReferenceListsTest, WithoutADatabaseEverythingIsEmpty) {
+TEST_F(ReferenceListsTest, WithoutADatabaseEverythingIsEmptyAndNothingIsStored) {
     database.disconnectFromBase();
     std::filesystem::remove(database.path());
 
     std::vector<ListRow> rows{ListRow{}};
     lists.loadConstList(rows, cotype::all, {});
     EXPECT_TRUE(rows.empty());
-    EXPECT_FALSE(lists.addConst(cotype::medicines, "Смекта", 0));
-    EXPECT_FALSE(lists.deleteConst(templateRow(1)));
-    lists.correctConstList({{"Смекта", "SOME-GUID-0001", cotype::medicines, 0, 1, false}});
-    EXPECT_FALSE(lists.addFromListScreen(NewListRow::plain(cotype::medicines, "Смекта"), rows));
-    lists.setCheckData(1, "TAG", true, "CHILD");
+    const auto noDatabase = std::optional(core::WriteFailure::noDatabase);
+    const AddedRow added = lists.addConst(cotype::medicines, "Смекта", 0);
+    EXPECT_EQ(added.result.failure(), noDatabase);
+    EXPECT_FALSE(added.guid);
+    EXPECT_EQ(lists.deleteConst(templateRow(1)).failure(), noDatabase);
+    EXPECT_EQ(lists.correctConstList({{"Смекта", "SOME-GUID-0001", cotype::medicines, 0, 1, false}})
+                  .failure(),
+              noDatabase);
+    EXPECT_EQ(lists.addFromListScreen(NewListRow::plain(cotype::medicines, "Смекта"), rows)
+                  .result.failure(),
+              noDatabase);
+    EXPECT_EQ(lists.setCheckData(1, "TAG", true, "CHILD").failure(), noDatabase);
     std::vector<std::string> guids{"stale"};
     lists.loadCheckData(guids, 1, "CHILD");
     EXPECT_TRUE(guids.empty());

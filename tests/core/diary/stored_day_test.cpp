@@ -8,7 +8,6 @@
 #include "diary/diary_store.h"
 #include "diary/profiles.h"
 #include "diary/reference_lists.h"
-#include "medication/courses.h"
 #include "support/core_fixture.h"
 
 namespace tilika::diary {
@@ -23,7 +22,7 @@ protected:
         SetupRecord record = profiles.loadSetupData(gid);
         record.name = name;
         record.sbirthdate = birth;
-        profiles.saveSetupData(saveflag::cloud, record, gid);
+        EXPECT_TRUE(profiles.saveSetupData(saveflag::cloud, record, gid));
         return gid;
     }
 
@@ -85,7 +84,6 @@ TEST_F(StoredDayTest, EveryKindOfEntryReadsBack) {
     }
     store(misha, "note", "Другой ребенок");
 
-    const medication::CourseReconciler courses(dates);
     DiaryStore store(context, courses);
     std::vector<ListRow> list;
     store.lists().loadConstList(list, cotype::all, "");

@@ -77,7 +77,7 @@ TEST(BackgroundsTest, ChoosingStoresAndMarksEverythingForRedrawing) {
     EXPECT_EQ(backgroundItems()[8].file, "bs-9.png");
     EXPECT_EQ(backgroundItems()[8].id, "9");
 
-    changeBackground(state, settings, 8);
+    EXPECT_TRUE(changeBackground(state, settings, 8));
     EXPECT_EQ(state.backgroundId, 8);
     EXPECT_TRUE(state.lightTheme);
     EXPECT_TRUE(state.menuDirty);

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
+
 #include "core/settings_keys.h"
 #include "support/core_fixture.h"
 
@@ -49,21 +51,33 @@ TEST_F(MenuSettingsTest, SwitchesAreStoredAndSeenByTheProcess) {
     EXPECT_FALSE(menuSetting(settings, 57));
 
     state.pageDirty.fill(false);
-    changeMenuSetting(settings, state, 51, true);
+    EXPECT_TRUE(changeMenuSetting(settings, state, 51, true));
     EXPECT_TRUE(settings.boolValue(core::keys::emptyNote));
     EXPECT_TRUE(state.pageDirty[8]);
     EXPECT_FALSE(state.pageDirty[9]);
 
-    changeMenuSetting(settings, state, 53, true);
+    EXPECT_TRUE(changeMenuSetting(settings, state, 53, true));
     EXPECT_TRUE(state.accelerate);
     EXPECT_TRUE(menuSetting(settings, 53));
-    changeMenuSetting(settings, state, 56, false);
+    EXPECT_TRUE(changeMenuSetting(settings, state, 56, false));
     EXPECT_FALSE(state.showRec);
     EXPECT_FALSE(menuSetting(settings, 56));
     state.menuDirty = false;
-    changeMenuSetting(settings, state, 55, false);
+    EXPECT_TRUE(changeMenuSetting(settings, state, 55, false));
     EXPECT_FALSE(state.chatIndi);
     EXPECT_TRUE(state.menuDirty);
+}
+
+TEST_F(MenuSettingsTest, ASwitchThatCannotBeStoredSaysSoYetWorks) {
+    // A file stands where the settings' folder should be, which no one, not
+    // even root, can write into.
+    std::ofstream(dir.path() / "blocked") << "";
+    core::JsonSettingsStore unwritable(dir.path() / "blocked" / "settings.json");
+    const core::WriteResult stored = changeMenuSetting(unwritable, state, 53, true);
+    EXPECT_EQ(stored.failure(), core::WriteFailure::settings);
+    EXPECT_EQ(stored.message(), "Не удалось сохранить данные: не удалось записать файл настроек.");
+    EXPECT_TRUE(state.accelerate);
+    EXPECT_TRUE(menuSetting(unwritable, 53));
 }
 
 }  // namespace

@@ -1,10 +1,10 @@
 #include "medication/courses.h"
 
-#include <SQLiteCpp/Transaction.h>
 #include <gtest/gtest.h>
 
 #include <map>
 
+#include "core/database.h"
 #include "core/ids.h"
 #include "diary/value_codecs.h"
 #include "support/core_fixture.h"
@@ -50,7 +50,7 @@ protected:
     // What saving a day does with its courses: the stored value is written
     // back after the day is cleared, then the edited value is reconciled.
     void saveDay(const std::string& on, const std::string& value) {
-        SQLite::Transaction transaction(db());
+        core::WriteTransaction transaction(db());
         const std::string old = rows.getDateValue(day(on), "pills", gid);
         rows.deleteDay(day(on), gid);
         rows.insertValue("pills", old, day(on), gid, false, false);
@@ -217,7 +217,7 @@ TEST_F(CoursesTest, SavingADayUnchangedLeavesItsCoursesAlone) {
 }
 
 TEST_F(CoursesTest, AnEndlessCourseIsCutShort) {
-    SQLite::Transaction transaction(db());
+    core::WriteTransaction transaction(db());
     add(course(kDaily, "2147483647<td>недели", "22.11.2026"), gid);
     EXPECT_EQ(queryText("select count(*) from childdata where type='pills'"), "1001");
     add(course(kDaily, "-2147483648<td>недели", "22.11.2026"), "negative");

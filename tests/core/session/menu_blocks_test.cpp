@@ -26,7 +26,7 @@ protected:
         record.name = name;
         record.sbirthdate = std::move(birth);
         record.sex = sex;
-        profiles.saveSetupData(diary::saveflag::cloud, record, gid);
+        EXPECT_TRUE(profiles.saveSetupData(diary::saveflag::cloud, record, gid));
         return gid;
     }
 };

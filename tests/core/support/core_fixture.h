@@ -7,6 +7,7 @@
 #include "core/database.h"
 #include "core/dates.h"
 #include "core/settings_file.h"
+#include "medication/courses.h"
 #include "platform/clock.h"
 #include "platform/folders.h"
 #include "platform/settings_store.h"
@@ -28,6 +29,8 @@ protected:
     core::DatabaseStore database{folders, dates};
     core::AppState state;
     core::Context context{clock, settings, folders, dates, database, state};
+    // What the program wires into the diary's day save.
+    const medication::CourseReconciler courses{dates};
 
     CoreFixture() {
         folders.createLayout();
