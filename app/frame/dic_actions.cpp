@@ -15,6 +15,7 @@
 #include "core/dates.h"
 #include "core/text.h"
 #include "diary/catalogue.h"
+#include "diary/entry_forms.h"
 #include "diary/reference_lists.h"
 #include "frame/dic.h"
 #include "frame/form_kinds.h"
@@ -147,19 +148,10 @@ void dic::timeClick(std::size_t index, std::size_t position) {
 void dic::addToList(std::size_t index) {
     correctField();
     const auto& row = detailAr_[index];
-    FormRows rows;
-    diary::addToNoteInit(rows, "", "Название", formkind::textLine, 0, "Название",
-                         "Введите название", "name", false, true);
-    if (row.listedittype == 2) {
-        diary::addToNoteInit(rows, "", "Добавлять болезнь в анкету", formkind::toggle, 0, "", "",
-                             "card", false, false);
-    } else if (row.listedittype == 3) {
-        diary::addToNoteInit(rows, "", "Единица измерения", formkind::measure, 0,
-                             "Единица измерения", "Единица измерения", "measure", false, true);
-    }
-    const QString caption = row.listedittype == 3 ? own("Новый продукт") : own("Новый тип");
+    diary::EntryForm form = diary::newListRowForm(row.listedittype);
     replaceSubForm();
-    sub_->prepare(std::move(rows), caption, this, this, static_cast<int>(index) + 1, {},
+    sub_->prepare(std::move(form.rows), shown(form.caption), this, this,
+                  static_cast<int>(index) + 1, {},
                   [this, index](const FormAnswer& answer) { return afterAdd(index, answer.rows); });
 }
 
@@ -168,18 +160,10 @@ bool dic::afterAdd(std::size_t index, const FormRows& rows) {
         return true;
     }
     auto& row = detailAr_[index];
-    const std::string name =
-        std::string(core::trimmed(frame::fieldValue(rows, "name").value_or("")));
-    if (name.empty()) {
+    const std::optional<diary::NewListRow> added =
+        diary::newListRowOf(row.listedittype, row.listid, rows);
+    if (!added) {
         return true;
-    }
-    diary::NewListRow added = diary::NewListRow::plain(row.listid, name);
-    if (row.listedittype == 2) {
-        added = diary::NewListRow::illness(row.listid, name,
-                                           frame::fieldValue(rows, "card").value_or("") == "1");
-    } else if (row.listedittype == 3) {
-        added = diary::NewListRow::food(row.listid, name,
-                                        frame::fieldValue(rows, "measure").value_or(""));
     }
     correctField();
     // A list the caller put together keeps its items; the new one is stored
@@ -187,7 +171,7 @@ bool dic::afterAdd(std::size_t index, const FormRows& rows) {
     const bool callersList = !row.listdata.empty();
     std::vector<ListRow> scratch;
     const diary::AddedRow stored =
-        services_.lists->addFromListScreen(added, callersList ? scratch : row.list);
+        services_.lists->addFromListScreen(*added, callersList ? scratch : row.list);
     if (!stored.result) {
         // The form with the new name stays, so that it can be sent again.
         services_.popups.message(shown(stored.result.message()), own("Ошибка"), 0, sub_.data());

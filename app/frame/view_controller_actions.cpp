@@ -92,24 +92,19 @@ void ViewController::mainMenuClick(const core::MenuRow& row, bool checked) {
 }
 
 void ViewController::settingClick(const core::MenuRow& row, bool on) {
-    constexpr int kPasswordRow = 52;
-    if (row.id == kPasswordRow && on) {
-        // Switching the password on means setting one, and the lock that
-        // asks for it is not in the program yet: the switch goes back to
-        // what is stored.
+    const session::SwitchEffect effect = session::switchEffect(row.id, on);
+    if (effect == session::SwitchEffect::lockComing) {
         popups_->message(translatedText(state_, "Пароль на вход в программу скоро появится."),
                          QString::fromStdString(row.comment), kNoAnswerTag, this);
-        if (QAbstractButton* toggle = menu_->mainRow(kPasswordRow)) {
-            toggle->setChecked(menuSetting(context_.settings, kPasswordRow));
+        if (QAbstractButton* toggle = menu_->mainRow(row.id)) {
+            toggle->setChecked(menuSetting(context_.settings, row.id));
         }
         return;
     }
     saved(changeMenuSetting(context_.settings, state_, row.id, on), this);
-    constexpr int kTiltRow = 53;
-    constexpr int kChatCountRow = 55;
-    if (row.id == kTiltRow) {
+    if (effect == session::SwitchEffect::tilt) {
         correctTilt();
-    } else if (row.id == kChatCountRow) {
+    } else if (effect == session::SwitchEffect::redrawMenuCounts) {
         QTimer::singleShot(1000, menu_, [this] { menu_->updateMenu(); });
     }
 }

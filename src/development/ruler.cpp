@@ -29,10 +29,9 @@ RulerReading Ruler::read(double offset, double visible, double secondOffset,
         const long long years = static_cast<long long>(points / 60) + min_;
         const long long rest = static_cast<long long>(points) % 60;
         const long long months = std::max(0LL, static_cast<long long>(years * 12 + rest / 5.0));
-        if (months > 0) {
-            reading.position = static_cast<double>(months);
-            reading.text = std::to_string(months) + " мес.";
-        }
+        // Months have no off position: the first tick is the month of birth.
+        reading.position = static_cast<double>(months);
+        reading.text = std::to_string(months) + " мес.";
         return reading;
     }
     const double value = min_ + c / (10 * kTick * scale_);

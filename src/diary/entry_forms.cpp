@@ -1,7 +1,9 @@
 #include "diary/entry_forms.h"
 
+#include "core/text.h"
 #include "diary/value_codecs.h"
 #include "frame/form_kinds.h"
+#include "frame/form_values.h"
 
 namespace tilika::diary {
 namespace {
@@ -62,6 +64,41 @@ EntryForm periodForm(std::string_view field, std::string_view nowTime,
         form.defaults = {{"start", std::string(nowTime)}, {"end", ""}, {"interval", "00:00"}};
     }
     return form;
+}
+
+EntryForm newListRowForm(int listedittype) {
+    const auto kind = static_cast<AddKind>(listedittype);
+    EntryForm form;
+    form.caption = kind == AddKind::food ? "Новый продукт" : "Новый тип";
+    addToNoteInit(form.rows, "", "Название", frame::formkind::textLine, 0, "Название",
+                  "Введите название", "name", false, true);
+    if (kind == AddKind::illness) {
+        addToNoteInit(form.rows, "", "Добавлять болезнь в анкету", frame::formkind::toggle, 0, "",
+                      "", "card", false, false);
+    } else if (kind == AddKind::food) {
+        addToNoteInit(form.rows, "", "Единица измерения", frame::formkind::measure, 0,
+                      "Единица измерения", "Единица измерения", "measure", false, true);
+    }
+    return form;
+}
+
+std::optional<NewListRow> newListRowOf(int listedittype, int cotype,
+                                       const std::vector<CatalogueRow>& answer) {
+    std::string name(core::trimmed(frame::fieldValue(answer, "name").value_or("")));
+    if (name.empty()) {
+        return std::nullopt;
+    }
+    switch (static_cast<AddKind>(listedittype)) {
+        case AddKind::illness:
+            return NewListRow::illness(cotype, std::move(name),
+                                       frame::fieldValue(answer, "card").value_or("") == "1");
+        case AddKind::food:
+            return NewListRow::food(cotype, std::move(name),
+                                    frame::fieldValue(answer, "measure").value_or(""));
+        case AddKind::plain:
+            break;
+    }
+    return NewListRow::plain(cotype, std::move(name));
 }
 
 }  // namespace tilika::diary

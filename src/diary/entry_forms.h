@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "diary/catalogue.h"
+#include "diary/reference_lists.h"
 
 namespace tilika::diary {
 
@@ -23,5 +24,14 @@ struct EntryForm {
 // as JSON text. Any other field gives no rows.
 EntryForm periodForm(std::string_view field, std::string_view nowTime,
                      std::optional<std::string_view> record);
+
+// The form that adds a row to a reference list from a list row, by the row's
+// `listedittype`: 1 a name alone, 2 an illness (with the switch that puts it
+// on the child's card), 3 a food (with its unit, which it needs).
+EntryForm newListRowForm(int listedittype);
+// What that form handed back, as the row to store in list `cotype`; nothing
+// without a name.
+std::optional<NewListRow> newListRowOf(int listedittype, int cotype,
+                                       const std::vector<CatalogueRow>& answer);
 
 }  // namespace tilika::diary

@@ -79,8 +79,9 @@ std::optional<std::string_view> menuSettingKey(int rowId) {
     }
 }
 
+// Unread counts and the last records show until the user turns them off.
 bool menuSettingDefault(int rowId) {
-    return rowId == 56;
+    return rowId == 55 || rowId == 56;
 }
 
 bool menuSetting(const platform::SettingsStore& settings, int rowId) {

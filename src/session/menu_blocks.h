@@ -76,4 +76,15 @@ enum class MenuCommand {
 };
 MenuCommand menuCommand(int id);
 
+// What turning a switch of the menu brings with it, besides its setting.
+enum class SwitchEffect {
+    none,
+    // The password: there is no lock to set one for yet, so the switch stays
+    // off and the user is told so.
+    lockComing,
+    tilt,              // the tilt sensor starts or stops
+    redrawMenuCounts,  // the counts of unread messages show or hide
+};
+SwitchEffect switchEffect(int id, bool on);
+
 }  // namespace tilika::session

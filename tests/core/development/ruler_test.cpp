@@ -39,9 +39,10 @@ TEST(RulerTest, ThousandthsComeFromTheSecondRuler) {
 TEST(RulerTest, MonthsFromYearsAndTicks) {
     const Ruler teeth(-3, 15, rulertype::months, 1);
     EXPECT_EQ(teeth.unitWidth(), 60);
-    // At the far left it reads no months, although the ruler starts at -3.
+    // At the far left it reads the month of birth, although the ruler starts
+    // at -3: there are no months below zero.
     EXPECT_EQ(teeth.read(0, kVisible).position, 0);
-    EXPECT_EQ(teeth.read(0, kVisible).text, "");
+    EXPECT_EQ(teeth.read(0, kVisible).text, "0 мес.");
 
     // Every month is placed on its own tick and read back whole.
     for (int months : {1, 7, 13, 18, 180}) {
@@ -61,9 +62,9 @@ TEST(RulerTest, MonthsFromYearsAndTicks) {
     EXPECT_EQ(ticks[48].label, "12");
     EXPECT_EQ(ticks[36].x, 180);
     EXPECT_TRUE(ticks[37].label.empty());
-    // Padded by half the view, the far left reads the minimum: no months.
+    // Padded by half the view, the far left reads the minimum.
     EXPECT_EQ(teeth.leftPadding(600), 300);
-    EXPECT_EQ(teeth.read(-300, 600).text, "");
+    EXPECT_EQ(teeth.read(-300, 600).text, "0 мес.");
 }
 
 TEST(RulerTest, PlacingNothingOrInactiveHidesTheMarks) {

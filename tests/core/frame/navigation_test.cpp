@@ -47,6 +47,7 @@ class MenuSettingsTest : public test::CoreFixture {};
 
 TEST_F(MenuSettingsTest, SwitchesAreStoredAndSeenByTheProcess) {
     EXPECT_TRUE(menuSetting(settings, 56));  // recommendations show unless turned off
+    EXPECT_TRUE(menuSetting(settings, 55));  // and so do the counts of unread messages
     EXPECT_FALSE(menuSetting(settings, 53));
     EXPECT_FALSE(menuSetting(settings, 57));
 
