@@ -8,10 +8,11 @@
 #include "development/ruler_view.h"
 #include "frame/pictures.h"
 #include "platform/qt_pictures.h"
+#include "support/screen_world.h"
 
 using namespace tilika;
 
-class ChartRulerTest : public QObject {
+class ChartRulerTest : public QObject, protected test::ScreenWorld {
     Q_OBJECT
 
 private slots:
@@ -48,8 +49,7 @@ private slots:
         view.resize(360, 300);
         view.prepare(dic);
         const QImage image = view.grab().toImage();
-        QDir().mkpath(QStringLiteral(TILIKA_SCREENSHOT_DIR));
-        QVERIFY(image.save(QStringLiteral(TILIKA_SCREENSHOT_DIR "/growth_chart.png")));
+        QVERIFY(saveScreenshot(image, "growth_chart.png"));
         QCOMPARE(view.getContextImage(QSize(360, 300)).size(), QSize(360, 300));
 
         // The child's curve is there in its orange, and the band in green.
@@ -122,10 +122,6 @@ private slots:
         slider.mainScroll()->horizontalScrollBar()->setValue(0);
         QCOMPARE(slider.text(), QString());
     }
-
-private:
-    frame::Pictures pictures_{std::filesystem::path(TILIKA_TEST_RESOURCE_DIR) / "pictures"};
-    platform::QtPictures qtPictures_{pictures_};
 };
 
 QTEST_MAIN(ChartRulerTest)

@@ -36,6 +36,7 @@
 #include "platform/qt_image_codec.h"
 #include "platform/qt_pictures.h"
 #include "platform/settings_store.h"
+#include "support/screen_world.h"
 
 using namespace tilika;
 namespace formkind = frame::formkind;
@@ -57,30 +58,13 @@ frame::ListRow item(const char* cap, const char* index) {
 
 }  // namespace
 
-class FormTest : public QObject {
+class FormTest : public QObject, protected test::ScreenWorld {
     Q_OBJECT
 
 private slots:
     void init() {
-        dir_ = std::make_unique<QTemporaryDir>();
-        const std::filesystem::path data = dir_->path().toStdString();
-        folders_ = std::make_unique<platform::DataFolders>(data, kResources);
-        folders_->createLayout();
-        settings_ = std::make_unique<core::JsonSettingsStore>(data / "settings.json");
-        clock_.set(*dates_.dateFromString("2026-11-22 10:00"));
-        database_ = std::make_unique<core::DatabaseStore>(*folders_, dates_);
-        database_->fromOldVersionNewRestore();
-        state_ = std::make_unique<core::AppState>();
-        context_ = std::make_unique<core::Context>(
-            core::Context{clock_, *settings_, *folders_, dates_, *database_, *state_});
+        openWorld();
         lists_ = std::make_unique<diary::ReferenceLists>(*context_);
-        popups_ = std::make_unique<frame::Popups>(
-            *state_, *settings_, qtPictures_,
-            frame::TextPageEnvironment{*state_, pictures_, dates_, kResources / "content"});
-        window_ = std::make_unique<QWidget>();
-        window_->resize(360, 640);
-        window_->show();
-        QVERIFY(QTest::qWaitForWindowExposed(window_.get()));
         // The window owns the form, as a screen's window does.
         form_ = new frame::dic(
             frame::FormServices{*state_, dates_, *popups_, qtPictures_, lists_.get()},
@@ -88,8 +72,7 @@ private slots:
     }
 
     void cleanup() {
-        popups_.reset();
-        window_.reset();
+        closeWorld();
         QVERIFY(form_ == nullptr);
     }
 
@@ -660,24 +643,10 @@ private:
         return {};
     }
     static void save(const QPixmap& shot, const char* name) {
-        QDir().mkpath(QStringLiteral(TILIKA_SCREENSHOT_DIR));
-        shot.save(QStringLiteral(TILIKA_SCREENSHOT_DIR "/") + QString::fromLatin1(name));
+        saveScreenshot(shot.toImage(), name);
     }
 
-    const std::filesystem::path kResources = TILIKA_TEST_RESOURCE_DIR;
-    platform::ManualClock clock_{core::Date{}, "Europe/Moscow"};
-    core::Dates dates_{clock_};
-    frame::Pictures pictures_{kResources / "pictures"};
-    platform::QtPictures qtPictures_{pictures_};
-    std::unique_ptr<QTemporaryDir> dir_;
-    std::unique_ptr<platform::DataFolders> folders_;
-    std::unique_ptr<core::JsonSettingsStore> settings_;
-    std::unique_ptr<core::DatabaseStore> database_;
-    std::unique_ptr<core::AppState> state_;
-    std::unique_ptr<core::Context> context_;
     std::unique_ptr<diary::ReferenceLists> lists_;
-    std::unique_ptr<frame::Popups> popups_;
-    std::unique_ptr<QWidget> window_;
     QPointer<frame::dic> form_;
 };
 

@@ -20,31 +20,16 @@
 #include "platform/clock.h"
 #include "platform/qt_pictures.h"
 #include "platform/settings_store.h"
+#include "support/screen_world.h"
 
 using namespace tilika;
 
-class PopupsTest : public QObject {
+class PopupsTest : public QObject, protected test::ScreenWorld {
     Q_OBJECT
 
 private slots:
-    void init() {
-        dir_ = std::make_unique<QTemporaryDir>();
-        settings_ = std::make_unique<core::JsonSettingsStore>(
-            std::filesystem::path(dir_->path().toStdString()) / "settings.json");
-        state_ = std::make_unique<core::AppState>();
-        popups_ = std::make_unique<frame::Popups>(
-            *state_, *settings_, qtPictures_,
-            frame::TextPageEnvironment{*state_, pictures_, dates_, kResources / "content"});
-        window_ = std::make_unique<QWidget>();
-        window_->resize(360, 640);
-        window_->show();
-        QVERIFY(QTest::qWaitForWindowExposed(window_.get()));
-    }
-
-    void cleanup() {
-        popups_.reset();
-        window_.reset();
-    }
+    void init() { openWorld(); }
+    void cleanup() { closeWorld(); }
 
     void answersAQuestion() {
         std::optional<std::pair<int, int>> answer;
@@ -123,8 +108,7 @@ private slots:
         QCOMPARE(popups_->ppFlag(), frame::popupkind::menu);
         // Four items: two rows of a phone-wide panel.
         QVERIFY(popups_->panel()->width() > 300);
-        QDir().mkpath(QStringLiteral(TILIKA_SCREENSHOT_DIR));
-        window_->grab().save(QStringLiteral(TILIKA_SCREENSHOT_DIR "/popup_menu.png"));
+        saveScreenshot(window_->grab().toImage(), "popup_menu.png");
         QToolButton* remove = nullptr;
         for (auto* button : popups_->panel()->findChildren<QToolButton*>()) {
             if (button->text() == QStringLiteral("Удалить")) {
@@ -237,7 +221,7 @@ private slots:
             window_.get(), [&](int tag) { chosen = tag; }, false);
         QWidget* page = frame::childWithTag(window_.get(), frame::kFirstStartTag);
         QVERIFY(page != nullptr);
-        window_->grab().save(QStringLiteral(TILIKA_SCREENSHOT_DIR "/first_start.png"));
+        saveScreenshot(window_->grab().toImage(), "first_start.png");
         QPushButton* cloud = nullptr;
         for (auto* button : page->findChildren<QPushButton*>()) {
             if (button->text() == QStringLiteral("Облако")) {
@@ -250,18 +234,6 @@ private slots:
         QCOMPARE(chosen, 4);
         QTRY_VERIFY(frame::childWithTag(window_.get(), frame::kFirstStartTag) == nullptr);
     }
-
-private:
-    const std::filesystem::path kResources = TILIKA_TEST_RESOURCE_DIR;
-    platform::ManualClock clock_{core::Date{}, "Europe/Moscow"};
-    core::Dates dates_{clock_};
-    frame::Pictures pictures_{kResources / "pictures"};
-    platform::QtPictures qtPictures_{pictures_};
-    std::unique_ptr<QTemporaryDir> dir_;
-    std::unique_ptr<core::JsonSettingsStore> settings_;
-    std::unique_ptr<core::AppState> state_;
-    std::unique_ptr<frame::Popups> popups_;
-    std::unique_ptr<QWidget> window_;
 };
 
 QTEST_MAIN(PopupsTest)

@@ -20,12 +20,11 @@
 #include "platform/clock.h"
 #include "platform/qt_canvas.h"
 #include "platform/qt_pictures.h"
+#include "support/screen_world.h"
 
 using namespace tilika;
 
 namespace {
-
-const std::filesystem::path kResources = TILIKA_TEST_RESOURCE_DIR;
 
 const char* const kSamplePage =
     "tp<val>2<tr>text<val>Первый месяц малыша"
@@ -46,7 +45,7 @@ const char* const kWebPage =
 
 }  // namespace
 
-class TextdataTest : public QObject {
+class TextdataTest : public QObject, protected test::ScreenWorld {
     Q_OBJECT
 
 private slots:
@@ -115,8 +114,7 @@ private slots:
         view.refresh();
 
         const QImage image = view.grab().toImage();
-        QDir().mkpath(QStringLiteral(TILIKA_SCREENSHOT_DIR));
-        QVERIFY(image.save(QStringLiteral(TILIKA_SCREENSHOT_DIR "/rich_text_page.png")));
+        QVERIFY(saveScreenshot(image, "rich_text_page.png"));
 
         // The heading is dark brown text on the light backdrop.
         const auto* heading = find("Первый месяц малыша");
@@ -278,9 +276,7 @@ private slots:
     }
 
 private:
-    frame::TextPageEnvironment environment() {
-        return frame::TextPageEnvironment{*state_, pictures_, dates_, kResources / "content"};
-    }
+    frame::TextPageEnvironment environment() { return textEnvironment(); }
 
     // The first element of the shown page that fits.
     template <typename Fits>
@@ -317,12 +313,6 @@ private:
         }
         return count;
     }
-
-    platform::ManualClock clock_{core::Date{}, "Europe/Moscow"};
-    core::Dates dates_{clock_};
-    frame::Pictures pictures_{kResources / "pictures"};
-    platform::QtPictures qtPictures_{pictures_};
-    std::unique_ptr<core::AppState> state_;
 };
 
 QTEST_MAIN(TextdataTest)

@@ -15,18 +15,18 @@
 #include <QWheelEvent>
 #include <QtTest>
 
-#include "session/application.h"
 #include "core/context.h"
 #include "core/dates.h"
 #include "core/ids.h"
 #include "diary/profiles.h"
 #include "frame/background_screen.h"
 #include "frame/main_menu.h"
-#include "session/menu_blocks.h"
 #include "frame/menu_views.h"
 #include "frame/session.h"
 #include "frame/view_controller.h"
 #include "platform/clock.h"
+#include "session/application.h"
+#include "session/menu_blocks.h"
 
 using namespace tilika;
 
