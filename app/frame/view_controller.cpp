@@ -26,6 +26,7 @@
 #include "frame/look.h"
 #include "frame/main_menu.h"
 #include "frame/popup_panels.h"
+#include "frame/restore_screen.h"
 #include "frame/tab.h"
 #include "frame/text_page.h"
 #include "frame/tilt_sensor.h"
@@ -123,6 +124,11 @@ ViewController::ViewController(RootServices services, QWidget* parent)
     // Swipes start on any widget of a page, and the arrow keys work whatever
     // on the page has the focus, so both are watched for the whole program.
     qApp->installEventFilter(this);
+    // A damaged diary was put aside at the start; before anything else the
+    // user chooses a copy to go on with, or an empty start.
+    if (services_.application.baseDamaged()) {
+        showRestore();
+    }
 }
 
 ViewController::~ViewController() {
@@ -327,7 +333,7 @@ bool ViewController::isSliding() const {
 
 bool ViewController::nothingOver() const {
     return !state_.popupShown && state_.openForms == 0 && background_ == nullptr &&
-           QApplication::activeModalWidget() == nullptr && isActiveWindow();
+           restore_ == nullptr && QApplication::activeModalWidget() == nullptr && isActiveWindow();
 }
 
 bool ViewController::canMove() const {
@@ -543,6 +549,9 @@ void ViewController::resizeEvent(QResizeEvent* event) {
     if (background_ != nullptr) {
         background_->setGeometry(rect());
     }
+    if (restore_ != nullptr) {
+        restore_->setGeometry(rect());
+    }
     for (QWidget* holder : holders_) {
         for (QWidget* page : holder->findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
             page->setGeometry(holder->rect());
@@ -554,9 +563,43 @@ void ViewController::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
     if (!appeared_) {
         appeared_ = true;
-        // Once the window is up, so the welcome lies over the menu.
-        QTimer::singleShot(0, this, &ViewController::viewDidAppear);
+        // Once the window is up, so the welcome lies over the menu; a start
+        // into the restore screen has no welcome.
+        if (restore_ == nullptr) {
+            QTimer::singleShot(0, this, &ViewController::viewDidAppear);
+        }
     }
+}
+
+void ViewController::showRestore() {
+    if (restore_ != nullptr) {
+        return;
+    }
+    session::Application& application = services_.application;
+    const std::filesystem::path damaged =
+        application.baseDamaged() ? application.database().damagedFile() : std::filesystem::path();
+    restore_ = new restoreScreen(
+        application.reserveCopies(),
+        // A file that could not even be put aside still has its own name.
+        application.baseDamaged() && damaged.empty() ? application.database().path() : damaged,
+        state_, context_.dates, services_.pictures, *popups_,
+        restoreScreen::Actions{[&application](const std::filesystem::path& copy) {
+                                   return application.restoreFromCopy(copy);
+                               },
+                               [&application] { return application.startEmpty(); }},
+        this);
+    connect(restore_, &restoreScreen::closed, this, [this] {
+        menu_->updateMenu();
+        setFocus();
+    });
+    restore_->setGeometry(rect());
+    restore_->show();
+    restore_->raise();
+    restore_->setFocus();
+}
+
+restoreScreen* ViewController::restoreScreenShown() const {
+    return restore_;
 }
 
 void ViewController::becomeActive() {

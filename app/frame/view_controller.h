@@ -41,6 +41,7 @@ class TiltSensor;
 class background;
 class dic;
 class mainMenu;
+class restoreScreen;
 struct FormAnswer;
 
 // What the root screen needs of the running program.
@@ -105,6 +106,10 @@ public:
     dic* setupForm() const;
     background* backgroundScreen() const;
     TiltSensor* tiltSensor() const { return tilt_; }
+    // The restore of the diary from a daily copy, over everything; it comes
+    // up by itself when the diary was found damaged.
+    void showRestore();
+    restoreScreen* restoreScreenShown() const;
     // Whether the pages are on their way somewhere; a swipe waits for them.
     bool isSliding() const;
 
@@ -179,6 +184,7 @@ private:
 
     QPointer<dic> setupForm_;
     QPointer<background> background_;
+    QPointer<restoreScreen> restore_;
     bool appeared_ = false;
 };
 

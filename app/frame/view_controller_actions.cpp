@@ -73,6 +73,9 @@ void ViewController::mainMenuClick(const core::MenuRow& row, bool checked) {
         case session::MenuCommand::background:
             showBackgrounds();
             break;
+        case session::MenuCommand::restore:
+            showRestore();
+            break;
         case session::MenuCommand::rateProgram:
             if (!services_.application.gotoAppStore()) {
                 popups_->message(

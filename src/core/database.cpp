@@ -1,6 +1,5 @@
 #include "core/database.h"
 
-#include <SQLiteCpp/Backup.h>
 #include <SQLiteCpp/Exception.h>
 
 #include <algorithm>
@@ -12,6 +11,7 @@
 
 #include "core/dates.h"
 #include "core/files.h"
+#include "core/reserve_copies.h"
 #include "platform/folders.h"
 #include "platform/log.h"
 
@@ -87,6 +87,9 @@ fs::path DatabaseStore::path() const {
 }
 
 bool DatabaseStore::fromOldVersionNewRestore() {
+    if (damaged_) {
+        return false;
+    }
     disconnectFromBase();
     const fs::path live = path();
     std::error_code error;
@@ -107,7 +110,11 @@ bool DatabaseStore::fromOldVersionNewRestore() {
         }
     }
 
-    if (fs::exists(live, error)) {
+    // A damaged diary is put aside before anything is built on it, and its
+    // place stays empty: a template copied over it would look like a diary
+    // that lost everything.
+    liveCheckedOn_ = dates_.dateToString(dates_.now(), formats::backupDay);
+    if (!checkLive() || fs::exists(live, error)) {
         return false;
     }
     const fs::path shipped = folders_.path(SystemFolder::Root) / fileName_;
@@ -119,6 +126,15 @@ bool DatabaseStore::fromOldVersionNewRestore() {
 
 SQLite::Database* DatabaseStore::connectToBase() {
     const std::string today = dates_.dateToString(dates_.now(), formats::backupDay);
+    // The first connect of a day reads the whole file once, before the day's
+    // copy is made from it: a damaged file must never become a copy.
+    if (today != liveCheckedOn_ && !damaged_) {
+        liveCheckedOn_ = today;
+        checkLive();
+    }
+    if (damaged_) {
+        return nullptr;
+    }
     if (today != backupCheckedOn_) {
         // A copy that failed (a full disk, a file locked by another program)
         // is tried again on later connects, but a few times only: each try
@@ -184,28 +200,17 @@ bool DatabaseStore::toReserv() {
         return true;
     }
 
-    fs::path partial = copy;
-    partial += ".part";
-    fs::remove(partial, error);
     // The copy reads through a connection of its own, so it holds what has
-    // been committed and nothing of a change still under way.
-    try {
-        SQLite::Database source(live.string(), SQLite::OPEN_READONLY, kBusyTimeoutMs);
-        SQLite::Database target(partial.string(), SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
-        const int result = SQLite::Backup(target, source).executeStep();
-        if (result != SQLITE_DONE) {
-            throw SQLite::Exception("the copy did not finish", result);
-        }
-    } catch (const SQLite::Exception& e) {
-        // A half copy must not stand in for the day's copy: it would block
-        // the real one and push a good one out of the folder.
-        platform::log(std::string("Daily copy of the database failed: ") + e.what());
-        fs::remove(partial, error);
+    // been committed and nothing of a change still under way. A half copy,
+    // or one that does not read back whole, must not stand in for the day's
+    // copy: it would block the real one and push a good one out of the
+    // folder.
+    if (!backupDatabase(live, copy)) {
         return false;
     }
-    fs::rename(partial, copy, error);
-    if (error) {
-        fs::remove(partial, error);
+    if (checkDatabaseFile(copy) != FileHealth::sound) {
+        platform::log("The daily copy of the database does not read back whole");
+        fs::remove(copy, error);
         return false;
     }
 
@@ -228,6 +233,62 @@ bool DatabaseStore::toReserv() {
         fs::remove(folder / names.front(), error);
     }
     return true;
+}
+
+bool DatabaseStore::checkLive() {
+    const fs::path live = path();
+    std::error_code error;
+    if (!fs::is_regular_file(live, error) || checkDatabaseFile(live) != FileHealth::damaged) {
+        return true;
+    }
+    disconnectFromBase();
+    damaged_ = true;
+    // Kept, never deleted: whatever can still be read from it is the
+    // user's, and a later tool may get more out of it than we do.
+    const fs::path aside = freePath(live, ".damaged");
+    if (moveDatabase(live, aside)) {
+        damagedFile_ = aside;
+        platform::log("The database is damaged; kept as " + aside.filename().string());
+    } else {
+        damagedFile_.clear();
+        platform::log("The database is damaged and could not be put aside");
+    }
+    return false;
+}
+
+bool DatabaseStore::restoreFrom(const fs::path& copy) {
+    if (checkDatabaseFile(copy) != FileHealth::sound) {
+        return false;
+    }
+    const fs::path live = path();
+    fs::path restored = live;
+    restored += ".restored";
+    if (!backupDatabase(copy, restored)) {
+        return false;
+    }
+    disconnectFromBase();
+    std::error_code error;
+    if (fs::exists(live, error) && !moveDatabase(live, freePath(live, ".replaced"))) {
+        fs::remove(restored, error);
+        return false;
+    }
+    if (!moveDatabase(restored, live)) {
+        return false;
+    }
+    damaged_ = false;
+    liveCheckedOn_ = dates_.dateToString(dates_.now(), formats::backupDay);
+    return true;
+}
+
+bool DatabaseStore::startEmpty() {
+    disconnectFromBase();
+    const fs::path live = path();
+    std::error_code error;
+    if (fs::exists(live, error) && !moveDatabase(live, freePath(live, ".replaced"))) {
+        return false;
+    }
+    damaged_ = false;
+    return fromOldVersionNewRestore() && fs::is_regular_file(live, error);
 }
 
 bool DatabaseStore::testBaseFile() const {

@@ -63,6 +63,8 @@ public:
     // The daily copy, named "yyMMdd.sqlite" for yesterday, taken through
     // SQLite's online backup so it is consistent even with the file open.
     // Keeps at most kReserveFiles ".sqlite" files, deleting the oldest copy.
+    // A copy that fails its check is not kept, so the rotation, which only
+    // follows a sound new copy, never removes the last sound one.
     // False when the copy was due and could not be made; the next connect
     // tries again.
     bool toReserv();
@@ -74,12 +76,35 @@ public:
     // A separate connection for work off the owning thread.
     std::unique_ptr<SQLite::Database> openConnection() const;
 
+    // The live file failed its check (at the start, or the first connect of
+    // a day) and was put aside under `damagedFile()`. Until a copy is
+    // restored, or the user chooses to start empty, there is no database:
+    // every operation finds none, and nothing is created in its place.
+    bool damaged() const { return damaged_; }
+    // The name the damaged file was kept under; empty if it could not be
+    // moved.
+    const std::filesystem::path& damagedFile() const { return damagedFile_; }
+
+    // Makes a daily copy the live database, through SQLite's backup. The
+    // file it replaces, if any, is kept beside it as ".replaced". False, and
+    // nothing changed, when the copy is not sound or can't be copied.
+    bool restoreFrom(const std::filesystem::path& copy);
+    // Puts the live file (if any) aside and starts from the template, as a
+    // new installation does. True when the template was copied.
+    bool startEmpty();
+
 private:
+    // Checks the live file; a damaged one is put aside, and false returned.
+    bool checkLive();
+
     const platform::Folders& folders_;
     const Dates& dates_;
     std::string fileName_;
     std::unique_ptr<SQLite::Database> db_;
     std::string backupCheckedOn_;  // "yyMMdd" of the day whose copy was last seen to
+    std::string liveCheckedOn_;    // "yyMMdd" of the day the live file was last checked
+    bool damaged_ = false;
+    std::filesystem::path damagedFile_;
     std::string failedCopyDay_;
     int failedCopies_ = 0;
 };

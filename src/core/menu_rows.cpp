@@ -47,6 +47,7 @@ constexpr RowEntry kRows[] = {
      "это дополнительный стимул к работе над ней", kMenuMain, false},
     {menukind::service, "m-cloud.png", "", 38, "Настройка режима работы с ICloud", kMenuMain, false},
     {menukind::service, "m-background.png", "", 42, "Настройка заднего фона", kMenuMain, false},
+    {menukind::service, "m-restore.png", "", 43, "Восстановить из копии…", kMenuMain, false},
     {menukind::toggle, "", "", 51, "Не показывать в дневнике пустые дни", kMenuMain, false},
     {menukind::toggle, "", "", 52, "Запрашивать пароль при входе в программу", kMenuMain, false},
     {menukind::toggle, "", "", 53, "Перемещение между разделами наклоном устройства", kMenuMain, false},

@@ -162,6 +162,8 @@ bool Application::gotoAppStore() {
 }
 
 void Application::fromOldVersion() {
+    // A damaged diary is put aside here and nothing takes its place; the
+    // screens see baseDamaged() and let the user choose what comes next.
     if (database_.fromOldVersionNewRestore()) {
         fromOldVersionChild1();
     }
@@ -192,6 +194,35 @@ void Application::fromOldVersionChild1() {
         dateToBase(dates_, update, 3, birthday, false);
         update.exec();
     });
+}
+
+std::vector<core::ReserveCopy> Application::reserveCopies() const {
+    return core::reserveCopies(folders_.path(platform::SystemFolder::Reserv), dates_);
+}
+
+bool Application::restoreFromCopy(const std::filesystem::path& copy) {
+    if (!database_.restoreFrom(copy)) {
+        return false;
+    }
+    databaseReplaced();
+    return true;
+}
+
+bool Application::startEmpty() {
+    if (!database_.startEmpty()) {
+        return false;
+    }
+    fromOldVersionChild1();
+    databaseReplaced();
+    return true;
+}
+
+void Application::databaseReplaced() {
+    // A profile chosen in the old diary may not be in this one.
+    state_.activeGid.reset();
+    state_.markAllPagesDirty();
+    state_.menuDirty = true;
+    buildShortcuts();
 }
 
 void Application::buildShortcuts() {

@@ -10,6 +10,7 @@
 #include "core/context.h"
 #include "core/database.h"
 #include "core/dates.h"
+#include "core/reserve_copies.h"
 
 namespace tilika::platform {
 class Shell;
@@ -63,6 +64,17 @@ public:
     // opens today's diary entry for it.
     void quickStart(const std::string& shortcut);
 
+    // The diary was found damaged at the start (or on a later day) and put
+    // aside; the restore screen offers the daily copies or an empty start.
+    bool baseDamaged() const { return database_.damaged(); }
+    // The daily copies, the sound ones first, newest first.
+    std::vector<core::ReserveCopy> reserveCopies() const;
+    // Makes a copy the diary; false when it could not be done.
+    bool restoreFromCopy(const std::filesystem::path& copy);
+    // Starts over from the template, as a new installation does; only ever
+    // on the user's word.
+    bool startEmpty();
+
     core::AppState& state() { return state_; }
     const core::Dates& dates() const { return dates_; }
     core::DatabaseStore& database() { return database_; }
@@ -72,6 +84,8 @@ private:
     void fromOldVersion();
     void fromOldVersionChild1();
     void buildShortcuts();
+    // Everything shown comes from the database that is there now.
+    void databaseReplaced();
 
     void prepareTranslate();
     void correctBackground();

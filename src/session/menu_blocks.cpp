@@ -157,6 +157,8 @@ MenuCommand menuCommand(int id) {
             return MenuCommand::rateProgram;
         case 42:
             return MenuCommand::background;
+        case 43:
+            return MenuCommand::restore;
         default:
             // The reports, the photo book and the online services.
             return MenuCommand::coming;

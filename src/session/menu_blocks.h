@@ -70,6 +70,7 @@ enum class MenuCommand {
     childSettings,  // the child's profile form
     addChild,       // the profile form for a new child
     background,     // the background chooser
+    restore,        // the restore of the diary from a daily copy
     rateProgram,    // the program's page in the store
     setting,        // a switch of the settings
     coming,         // a section this program doesn't have yet

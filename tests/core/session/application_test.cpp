@@ -113,7 +113,7 @@ TEST_F(ApplicationTest, FirstLaunchSetsUpSettingsDatabaseAndMenu) {
 
     EXPECT_EQ(menuIds(),
               (std::vector<int>{1,  2,  3,  4,  5,  6,  7,  8,  10, 9,  23, 21, 22, 31, 32,
-                                40, 45, 48, 34, 36, 37, 38, 42, 51, 52, 53, 54, 55, 56, 0}));
+                                40, 45, 48, 34, 36, 37, 38, 42, 43, 51, 52, 53, 54, 55, 56, 0}));
     EXPECT_EQ(state.pageCount, 10);
     EXPECT_EQ(state.menuItems.back().comment, std::string("Версия ") + build::kShortVersion);
     EXPECT_EQ(state.menuItems[0].gid, "LOCAL");
@@ -186,7 +186,7 @@ TEST(MenuRows, LeaveOutRussianOnlyServicesForOtherLanguages) {
         ids.push_back(row.id);
     }
     EXPECT_EQ(ids, (std::vector<int>{1,  2,  3,  4,  5,  6,  7,  10, 9,  23, 21, 22, 31,
-                                     32, 36, 37, 38, 42, 51, 52, 53, 54, 55, 56, 0}));
+                                     32, 36, 37, 38, 42, 43, 51, 52, 53, 54, 55, 56, 0}));
     EXPECT_EQ(pageCount(rows), 9);
     EXPECT_EQ(pageCount({}), 0);
 }
