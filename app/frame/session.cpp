@@ -29,14 +29,18 @@ Session::~Session() {
 }
 
 Session::StartResult Session::start() {
-    if (!folders_.createLayout()) {
+    if (!folders_.createLayout(folderError_)) {
         return StartResult::FolderUnavailable;
     }
     const auto lockPath = folders_.path(platform::SystemFolder::Library) / "tilika.lock";
-    lock_ = std::make_unique<QLockFile>(QString::fromStdString(lockPath.string()));
-    if (!lock_->tryLock(0)) {
-        lock_.reset();
-        return StartResult::AlreadyRunning;
+    switch (lock_.acquire(lockPath)) {
+        case core::FolderLock::Result::Acquired:
+            break;
+        case core::FolderLock::Result::HeldByOther:
+            return StartResult::AlreadyRunning;
+        case core::FolderLock::Result::Failed:
+            folderError_ = lock_.error();
+            return StartResult::FolderUnavailable;
     }
     application_.didFinishLaunching({});
     stateConnection_ =
