@@ -60,6 +60,7 @@ public:
 
 private:
     void onApplicationStateChanged(Qt::ApplicationState state);
+    void tellAboutDamagedSettings();
 
     platform::DataFolders folders_;
     Pictures pictures_;
