@@ -63,8 +63,8 @@ void Session::tellAboutDamagedSettings() {
     }
     platform::Alert alert;
     alert.title = "Настройки сброшены";
-    alert.text = "Настройки программы были повреждены и сброшены; копия сохранена: " +
-                 copy->string();
+    alert.text =
+        "Настройки программы были повреждены и сброшены; копия сохранена: " + copy->string();
     alert.buttons = {"OK"};
     // After the window and whatever it shows as it appears, so that the
     // message stands on top.

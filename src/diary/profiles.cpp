@@ -195,14 +195,14 @@ std::optional<std::string> Profiles::untouchedTemplateChild() const {
         std::string guid;
         bool untouched = false;
     };
-    const std::vector<Row> rows = readProfiles<Row>(
-        context_, "untouchedTemplateChild",
-        "select childguid, ifnull(chname,'')='' and ves is null and rost is null "
-        "from child where ifnull(deleted,0)<>1 limit 2",
-        [](const SQLite::Statement& query) {
-            return Row{core::stringFromBase(query, 0).value_or(""),
-                       query.getColumn(1).getInt() != 0};
-        });
+    const std::vector<Row> rows =
+        readProfiles<Row>(context_, "untouchedTemplateChild",
+                          "select childguid, ifnull(chname,'')='' and ves is null and rost is null "
+                          "from child where ifnull(deleted,0)<>1 limit 2",
+                          [](const SQLite::Statement& query) {
+                              return Row{core::stringFromBase(query, 0).value_or(""),
+                                         query.getColumn(1).getInt() != 0};
+                          });
     if (rows.size() != 1 || !rows.front().untouched ||
         rows.front().guid != core::newID2(core::idkind::profile, 1)) {
         return std::nullopt;

@@ -73,8 +73,7 @@ private slots:
         QCOMPARE(menu()->childBlocks().size(), blocks);
         QVERIFY(blockNamed(QStringLiteral("Маша")) != nullptr);
         QVERIFY(blockNamed(QStringLiteral("Без имени")) == nullptr);
-        const auto names =
-            diary::Profiles(session_->application().context()).childNames();
+        const auto names = diary::Profiles(session_->application().context()).childNames();
         QCOMPARE(names.size(), std::size_t{1});
         QCOMPARE(names.begin()->second, std::string("Маша"));
 
