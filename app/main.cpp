@@ -1,6 +1,11 @@
 // Tilika: a family diary for parents of young children.
 //
 //   tilika [--data-dir DIR] [--screenshot FILE.png]
+//
+// Exits with 0 when the window is closed (or the picture is drawn), 1 when the
+// data folder can't be used or another copy of the program works on it (a
+// window says which, or the picture shows it), 2 without a display, 64 for
+// options it doesn't know how to read.
 
 #include <QApplication>
 #include <QMessageBox>
@@ -14,6 +19,7 @@
 #include <string>
 #include <string_view>
 
+#include "core/folder_lock.h"
 #include "frame/session.h"
 #include "platform/clock.h"
 #include "platform/log.h"
@@ -81,6 +87,24 @@ bool saveScreenshot(QWidget* window, const std::filesystem::path& file) {
     return window->grab().save(QString::fromStdString(file.string()), "PNG");
 }
 
+// Why the program can't start, in a window, since a person who started it from
+// a menu never sees the terminal. With --screenshot the window is drawn into
+// the picture instead; the first screen the user would have seen is this one.
+int refuseToStart(const QString& text, const QString& details,
+                  const std::optional<std::filesystem::path>& screenshot) {
+    QMessageBox box(QMessageBox::Warning, QStringLiteral("Тилика"), text, QMessageBox::Ok);
+    box.setInformativeText(details);
+    if (!screenshot) {
+        box.exec();
+        return 1;
+    }
+    box.show();
+    if (!saveScreenshot(&box, *screenshot)) {
+        std::cerr << "tilika: cannot write " << screenshot->string() << "\n";
+    }
+    return 1;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -114,17 +138,22 @@ int main(int argc, char** argv) {
     switch (session.start()) {
         case tilika::frame::Session::StartResult::Started:
             break;
-        case tilika::frame::Session::StartResult::FolderUnavailable:
-            std::cerr << "tilika: cannot create the data folder\n";
-            return 1;
+        case tilika::frame::Session::StartResult::FolderUnavailable: {
+            const std::string path = session.dataDir().string();
+            const std::string reason = tilika::core::folderErrorText(session.folderError());
+            std::cerr << "tilika: cannot use the data folder " << path << ": "
+                      << session.folderError().message() << "\n";
+            return refuseToStart(QStringLiteral("Не удалось открыть папку с данными"),
+                                 QString::fromStdString(path + "\n\nПричина: " + reason + "."),
+                                 options.screenshot);
+        }
         case tilika::frame::Session::StartResult::AlreadyRunning:
             std::cerr << "tilika: the program is already open on this data folder\n";
-            if (!options.screenshot) {
-                QMessageBox::information(nullptr, QStringLiteral("Тилика"),
-                                         QStringLiteral("Тилика уже открыта. Перейдите в "
-                                                        "открытое окно программы."));
-            }
-            return 1;
+            return refuseToStart(
+                QStringLiteral("Тилика уже открыта."),
+                QStringLiteral("Перейдите в открытое окно программы. Папка с данными: ") +
+                    QString::fromStdString(session.dataDir().string()),
+                options.screenshot);
     }
     if (options.screenshot) {
         if (!saveScreenshot(session.rootWindow(), *options.screenshot)) {

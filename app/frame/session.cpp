@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QGuiApplication>
+#include <QTimer>
 
 #include <cstdlib>
 
@@ -29,22 +30,47 @@ Session::~Session() {
 }
 
 Session::StartResult Session::start() {
-    if (!folders_.createLayout()) {
+    if (!folders_.createLayout(folderError_)) {
         return StartResult::FolderUnavailable;
     }
     const auto lockPath = folders_.path(platform::SystemFolder::Library) / "tilika.lock";
-    lock_ = std::make_unique<QLockFile>(QString::fromStdString(lockPath.string()));
-    if (!lock_->tryLock(0)) {
-        lock_.reset();
-        return StartResult::AlreadyRunning;
+    switch (lock_.acquire(lockPath)) {
+        case core::FolderLock::Result::Acquired:
+            break;
+        case core::FolderLock::Result::HeldByOther:
+            return StartResult::AlreadyRunning;
+        case core::FolderLock::Result::Failed:
+            folderError_ = lock_.error();
+            return StartResult::FolderUnavailable;
     }
     application_.didFinishLaunching({});
+    tellAboutDamagedSettings();
     stateConnection_ =
         QObject::connect(qGuiApp, &QGuiApplication::applicationStateChanged, qGuiApp,
                          [this](Qt::ApplicationState state) { onApplicationStateChanged(state); });
     // The window may already have become active while launching.
     onApplicationStateChanged(QGuiApplication::applicationState());
     return StartResult::Started;
+}
+
+// Background and switches are back to their defaults, which the user would
+// otherwise take for a fault of the program. Told once: the copy kept aside
+// leaves a settings file that reads, and the next start has nothing to tell.
+void Session::tellAboutDamagedSettings() {
+    const auto copy = settings_.damagedCopy();
+    if (!copy) {
+        return;
+    }
+    platform::Alert alert;
+    alert.title = "Настройки сброшены";
+    alert.text =
+        "Настройки программы были повреждены и сброшены; копия сохранена: " + copy->string();
+    alert.buttons = {"OK"};
+    // After the window and whatever it shows as it appears, so that the
+    // message stands on top.
+    QTimer::singleShot(0, qGuiApp, [this, alert = std::move(alert)]() mutable {
+        shell_.showAlert(std::move(alert));
+    });
 }
 
 void Session::onApplicationStateChanged(Qt::ApplicationState state) {

@@ -1,11 +1,12 @@
 #pragma once
 
-#include <QLockFile>
 #include <QMetaObject>
 
 #include <filesystem>
 #include <memory>
+#include <system_error>
 
+#include "core/folder_lock.h"
 #include "core/settings_file.h"
 #include "frame/pictures.h"
 #include "platform/folders.h"
@@ -34,13 +35,16 @@ public:
 
     enum class StartResult {
         Started,
-        FolderUnavailable,  // the data folder can't be created
+        FolderUnavailable,  // the data folder can't be created or written: folderError()
         AlreadyRunning,     // another Tilika works on the same folder
     };
 
     // Lays out the data folder, makes sure no other copy of the program works
     // on it, and launches. Nothing is started unless the result is Started.
     StartResult start();
+    // Why the data folder can't be used, after a start that found it so.
+    std::error_code folderError() const { return folderError_; }
+    const std::filesystem::path& dataDir() const { return folders_.dataDir(); }
 
     session::Application& application() { return application_; }
     platform::QtShell& shell() { return shell_; }
@@ -56,14 +60,14 @@ public:
 
 private:
     void onApplicationStateChanged(Qt::ApplicationState state);
+    void tellAboutDamagedSettings();
 
     platform::DataFolders folders_;
     Pictures pictures_;
     platform::QtPictures qtPictures_{pictures_};
     platform::QtImageCodec imageCodec_;
-    // Two programs on one folder would overwrite each other's settings and
-    // race for the daily copy.
-    std::unique_ptr<QLockFile> lock_;
+    core::FolderLock lock_;
+    std::error_code folderError_;
     core::JsonSettingsStore settings_;
     platform::QtShell shell_;
     session::Application application_;

@@ -219,7 +219,9 @@ void ViewController::newVersion(int tag) {
         case 3:
             state_.activeGid.reset();
             menu_->realignMenu(false);
-            setupShow(std::nullopt);
+            // A new parent fills in the nameless child the program starts
+            // with, rather than adding their own beside it.
+            setupShow(diary::Profiles(context_).untouchedTemplateChild());
             break;
         case 4:
             comingSoon("Облако");

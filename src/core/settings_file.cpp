@@ -61,7 +61,12 @@ JsonSettingsStore::JsonSettingsStore(std::filesystem::path file) : file_(std::mo
     }
     const std::filesystem::path damaged = freePath(file_, ".damaged");
     std::filesystem::rename(file_, damaged, error);
+    if (error) {
+        platform::log("Settings file was damaged and could not be kept aside: " + error.message());
+        return;
+    }
     platform::log("Settings file was damaged and has been kept as " + damaged.string());
+    damagedCopy_ = damaged;
 }
 
 JsonSettingsStore::~JsonSettingsStore() {

@@ -25,10 +25,16 @@ public:
     void remove(std::string_view key) override;
     bool synchronize() override;
 
+    // Where a damaged file found at construction was kept aside; nothing
+    // when the file read well or didn't exist. The user is to hear of it,
+    // since every setting is back to its default.
+    const std::optional<std::filesystem::path>& damagedCopy() const { return damagedCopy_; }
+
 private:
     std::filesystem::path file_;
     nlohmann::json values_ = nlohmann::json::object();
     bool dirty_ = false;
+    std::optional<std::filesystem::path> damagedCopy_;
 };
 
 }  // namespace tilika::core

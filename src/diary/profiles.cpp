@@ -190,6 +190,26 @@ std::vector<ProfileListRow> Profiles::profileList() const {
         });
 }
 
+std::optional<std::string> Profiles::untouchedTemplateChild() const {
+    struct Row {
+        std::string guid;
+        bool untouched = false;
+    };
+    const std::vector<Row> rows =
+        readProfiles<Row>(context_, "untouchedTemplateChild",
+                          "select childguid, ifnull(chname,'')='' and ves is null and rost is null "
+                          "from child where ifnull(deleted,0)<>1 limit 2",
+                          [](const SQLite::Statement& query) {
+                              return Row{core::stringFromBase(query, 0).value_or(""),
+                                         query.getColumn(1).getInt() != 0};
+                          });
+    if (rows.size() != 1 || !rows.front().untouched ||
+        rows.front().guid != core::newID2(core::idkind::profile, 1)) {
+        return std::nullopt;
+    }
+    return rows.front().guid;
+}
+
 std::vector<ProfileRow> Profiles::loadProfils() const {
     const core::Dates& dates = context_.dates;
     return readProfiles<ProfileRow>(

@@ -92,6 +92,12 @@ public:
     // letters.
     std::map<std::string, std::string> childNames() const;
 
+    // The guid of the child the template brings, while it is the only child
+    // and nobody has saved it yet (no name, and no birth weight or height,
+    // which every save writes); nothing otherwise. A new parent's first
+    // profile is then that child, filled in, not a second one beside it.
+    std::optional<std::string> untouchedTemplateChild() const;
+
     // picture/child-<gid>.jpg under Documents; empty for a guid that could
     // name a place outside that folder.
     std::filesystem::path portraitPath(std::string_view gid) const;

@@ -27,19 +27,27 @@ std::filesystem::path DataFolders::path(SystemFolder folder) const {
 }
 
 bool DataFolders::createLayout() const {
+    std::error_code error;
+    return createLayout(error);
+}
+
+bool DataFolders::createLayout(std::error_code& error) const {
+    error.clear();
     const auto documents = path(SystemFolder::Document);
     const std::array<std::filesystem::path, 9> folders{
         path(SystemFolder::Reserv), documents / "picture",     documents / "picture-s",
         documents / "analizy",      documents / "documents",   path(SystemFolder::Library),
         path(SystemFolder::Temp),   path(SystemFolder::Cloud), documents,
     };
-    bool ok = true;
+    // Every folder is tried, so that one that fails leaves the others made.
     for (const auto& folder : folders) {
-        std::error_code error;
-        std::filesystem::create_directories(folder, error);
-        ok = ok && !error;
+        std::error_code folderError;
+        std::filesystem::create_directories(folder, folderError);
+        if (folderError && !error) {
+            error = folderError;
+        }
     }
-    return ok;
+    return !error;
 }
 
 }  // namespace tilika::platform

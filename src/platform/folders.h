@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <system_error>
 
 namespace tilika::platform {
 
@@ -30,8 +31,9 @@ public:
     std::filesystem::path path(SystemFolder folder) const override;
 
     // Creates every folder of the layout that is missing; false if one could
-    // not be made.
+    // not be made, with the first reason in `error`.
     bool createLayout() const;
+    bool createLayout(std::error_code& error) const;
 
     const std::filesystem::path& dataDir() const { return dataDir_; }
 

@@ -8,6 +8,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <fstream>
+
 #include "frame/main_menu.h"
 #include "frame/view_controller.h"
 #include "platform/clock.h"
@@ -94,7 +96,41 @@ private slots:
         QTRY_VERIFY(session_->shell().rootIsCurrent());
     }
 
+    void tellsOnceThatDamagedSettingsWereReset() {
+        session_.reset();
+        const std::filesystem::path data = dir_->path().toStdString();
+        const auto settings = data / "Library" / "settings.json";
+        std::ofstream(settings) << "{\"fon\": 3,";
+        const QString told =
+            QStringLiteral("Настройки программы были повреждены и сброшены; копия сохранена: ") +
+            QString::fromStdString((data / "Library" / "settings.json.damaged").string());
+
+        session_ = std::make_unique<frame::Session>(clock_, data, TILIKA_TEST_RESOURCE_DIR);
+        QCOMPARE(session_->start(), frame::Session::StartResult::Started);
+        QMessageBox* box = nullptr;
+        QTRY_VERIFY((box = shownMessage()) != nullptr);
+        QCOMPARE(box->informativeText(), told);
+        box->buttons().front()->click();
+        QTRY_VERIFY(shownMessage() == nullptr);
+
+        // The settings read well now: the next start has nothing to tell.
+        session_.reset();
+        session_ = std::make_unique<frame::Session>(clock_, data, TILIKA_TEST_RESOURCE_DIR);
+        QCOMPARE(session_->start(), frame::Session::StartResult::Started);
+        QTest::qWait(50);
+        QVERIFY(shownMessage() == nullptr);
+    }
+
 private:
+    static QMessageBox* shownMessage() {
+        for (QWidget* widget : QApplication::topLevelWidgets()) {
+            if (auto* box = qobject_cast<QMessageBox*>(widget); box && box->isVisible()) {
+                return box;
+            }
+        }
+        return nullptr;
+    }
+
     platform::ManualClock clock_{core::Date(std::chrono::milliseconds(1795338000000)),
                                  "Europe/Moscow"};
     std::unique_ptr<QTemporaryDir> dir_;

@@ -58,9 +58,24 @@ private slots:
             texts << label->text();
         }
         QVERIFY(texts.contains(QStringLiteral("Добро пожаловать в программу")));
+        const std::size_t blocks = menu()->childBlocks().size();
         buttonWithText(welcome, QStringLiteral("Настройки"))->click();
-        QVERIFY(root_->setupForm() != nullptr && root_->setupForm()->isOpen());
+        frame::dic* form = root_->setupForm();
+        QVERIFY(form != nullptr && form->isOpen());
         QVERIFY(!state().activeGid);
+
+        // The form is that of the nameless child the program starts with:
+        // saved, it names that child, with no "Без имени" left beside it.
+        auto* name = widgetWithTag<QLineEdit>(form, static_cast<int>(form->posByField("name")));
+        QVERIFY(name != nullptr);
+        name->setText(QStringLiteral("Маша"));
+        form->closeOk();
+        QCOMPARE(menu()->childBlocks().size(), blocks);
+        QVERIFY(blockNamed(QStringLiteral("Маша")) != nullptr);
+        QVERIFY(blockNamed(QStringLiteral("Без имени")) == nullptr);
+        const auto names = diary::Profiles(session_->application().context()).childNames();
+        QCOMPARE(names.size(), std::size_t{1});
+        QCOMPARE(names.begin()->second, std::string("Маша"));
 
         // The version has greeted; the next start goes straight to the menu.
         relaunch();
@@ -68,6 +83,29 @@ private slots:
         QCoreApplication::processEvents();
         QVERIFY(root_->findChild<QFrame*>(QStringLiteral("firstStart")) == nullptr);
         QVERIFY(root_->menuTab()->isVisible());
+    }
+
+    void settingsOfAWelcomeOnFilledDataAddAChild() {
+        // A parent who has named their child and sees the welcome page again
+        // (a new version) gets a new child's form from "Настройки".
+        launch();
+        QFrame* welcome = nullptr;
+        QTRY_VERIFY((welcome = root_->findChild<QFrame*>(QStringLiteral("firstStart"))));
+        diary::Profiles profiles(session_->application().context());
+        const std::string first = profiles.childNames().begin()->first;
+        diary::SetupRecord named = profiles.loadSetupData(first);
+        named.name = "Оля";
+        QVERIFY(profiles.saveSetupData(diary::saveflag::form, named, first));
+        buttonWithText(welcome, QStringLiteral("Настройки"))->click();
+        frame::dic* form = root_->setupForm();
+        QVERIFY(form != nullptr && form->isOpen());
+        auto* name = widgetWithTag<QLineEdit>(form, static_cast<int>(form->posByField("name")));
+        QVERIFY(name != nullptr);
+        QCOMPARE(name->text(), QString());
+        name->setText(QStringLiteral("Петя"));
+        form->closeOk();
+        QCOMPARE(profiles.childNames().size(), std::size_t{2});
+        QCOMPARE(profiles.childNames().at(first), std::string("Оля"));
     }
 
     void anAddedChildGetsItsOpenBlock() {

@@ -86,15 +86,21 @@ TEST(JsonSettingsStore, KeepsADamagedFileAsideAndStartsAfresh) {
     {
         JsonSettingsStore settings(file);
         EXPECT_FALSE(settings.contains("pass"));
+        EXPECT_EQ(settings.damagedCopy(), dir.path() / "settings.json.damaged");
         settings.setBool("pass", false);
         EXPECT_TRUE(settings.synchronize());
     }
     EXPECT_EQ(readFile(dir.path() / "settings.json.damaged"), "{\"pass\": tru");
+    // The file saved since reads well: nothing more to tell.
     EXPECT_TRUE(JsonSettingsStore(file).contains("pass"));
+    EXPECT_FALSE(JsonSettingsStore(file).damagedCopy());
+    EXPECT_FALSE(JsonSettingsStore(dir.path() / "none.json").damagedCopy());
 
     // A second damaged file doesn't overwrite the first one kept.
     std::ofstream(file) << "[1, 2, 3]";
-    EXPECT_FALSE(JsonSettingsStore(file).contains("pass"));
+    const JsonSettingsStore second(file);
+    EXPECT_FALSE(second.contains("pass"));
+    EXPECT_EQ(second.damagedCopy(), dir.path() / "settings.json.damaged-2");
     EXPECT_EQ(readFile(dir.path() / "settings.json.damaged"), "{\"pass\": tru");
     EXPECT_EQ(readFile(dir.path() / "settings.json.damaged-2"), "[1, 2, 3]");
 }

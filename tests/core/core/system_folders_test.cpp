@@ -45,6 +45,16 @@ TEST(SystemFolders, CreatesTheWholeLayout) {
           "Documents/documents", "Library", "tmp", "Cloud"}) {
         EXPECT_TRUE(std::filesystem::is_directory(dir.path() / "x" / sub)) << sub;
     }
+
+    // A file where a folder should be: the others are made all the same, and
+    // the reason is told.
+    platform::DataFolders blocked(dir.path() / "y", dir.path() / "res");
+    std::filesystem::create_directories(dir.path() / "y");
+    std::ofstream(dir.path() / "y" / "Library") << "not a folder";
+    std::error_code error;
+    EXPECT_FALSE(blocked.createLayout(error));
+    EXPECT_TRUE(error);
+    EXPECT_TRUE(std::filesystem::is_directory(dir.path() / "y" / "Documents" / "reserv"));
 }
 
 TEST(SystemFolders, PlacesFilesByName) {

@@ -174,6 +174,30 @@ TEST_F(ProfilesTest, SavingAChildWithoutABirthDateNeverDoublesIt) {
     EXPECT_EQ(profiles.loadSetupData(first).sbirthdate, "2025-06-01");
 }
 
+TEST_F(ProfilesTest, TheTemplateChildIsUntouchedUntilSavedOrJoined) {
+    const std::string first = core::newID2(core::idkind::profile, 1);
+    EXPECT_EQ(profiles.untouchedTemplateChild(), first);
+
+    // A second child beside it: the parent has made their own.
+    const std::string other = core::newID();
+    saveFromForm(std::nullopt, other, {{"name", "Лена"}});
+    EXPECT_FALSE(profiles.untouchedTemplateChild());
+    EXPECT_TRUE(profiles.saveSetupData(saveflag::form, form.setupArrayToDic({}, other), other));
+    EXPECT_EQ(profiles.untouchedTemplateChild(), first);
+
+    // Saved once, even without a name, it is the parent's child.
+    saveFromForm(first, first, {{"name", ""}});
+    EXPECT_FALSE(profiles.untouchedTemplateChild());
+
+    // A named child is never the template's, nor is another guid in its row.
+    db().exec("update child set ves=NULL, rost=NULL where chid=1");
+    EXPECT_EQ(profiles.untouchedTemplateChild(), first);
+    db().exec("update child set chname='Оля' where chid=1");
+    EXPECT_FALSE(profiles.untouchedTemplateChild());
+    db().exec("update child set chname=NULL, childguid='" + other + "x' where chid=1");
+    EXPECT_FALSE(profiles.untouchedTemplateChild());
+}
+
 TEST_F(ProfilesTest, NamesShorterThanTwoLettersReadAsNameless) {
     const std::string first = core::newID2(core::idkind::profile, 1);
     for (const auto& [name, shown] : std::vector<std::pair<std::string, std::string>>{
