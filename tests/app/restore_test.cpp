@@ -17,22 +17,19 @@
 #include "frame/view_controller.h"
 #include "platform/clock.h"
 #include "session/application.h"
+#include "support/session_world.h"
 
 using namespace tilika;
 using namespace std::chrono_literals;
 namespace fs = std::filesystem;
 
 // The start into a damaged diary, and the restore from its daily copies.
-class RestoreTest : public QObject {
+class RestoreTest : public QObject, protected test::SessionWorld {
     Q_OBJECT
 
 private slots:
-    void init() { dir_ = std::make_unique<QTemporaryDir>(); }
-
-    void cleanup() {
-        session_.reset();
-        dir_.reset();
-    }
+    void init() { openFolder(); }
+    void cleanup() { closeSession(); }
 
     void aDiaryCutShortStartsIntoTheRestoreOfYesterdaysCopy() {
         // Yesterday the diary had Вера; today's first start copied it.
@@ -104,24 +101,6 @@ private slots:
     }
 
 private:
-    void launch() {
-        session_ = std::make_unique<frame::Session>(clock_, dir_->path().toStdString(),
-                                                    TILIKA_TEST_RESOURCE_DIR);
-        QCOMPARE(session_->start(), frame::Session::StartResult::Started);
-        root_ = qobject_cast<frame::ViewController*>(session_->rootWindow());
-        QVERIFY(root_ != nullptr);
-        QVERIFY(QTest::qWaitForWindowExposed(root_));
-    }
-
-    void addChild(const char* name) {
-        diary::Profiles profiles(session_->application().context());
-        const std::string gid = core::newID();
-        diary::SetupRecord record = profiles.loadSetupData(gid);
-        record.name = name;
-        record.sbirthdate = "2025-03-14";
-        QVERIFY(profiles.saveSetupData(diary::saveflag::cloud, record, gid));
-    }
-
     bool hasChild(const char* name) {
         for (const auto& child : diary::Profiles(session_->application().context()).profileList()) {
             if (child.chname == name) {
@@ -148,17 +127,6 @@ private:
         }
         return nullptr;
     }
-
-    static void save(const QPixmap& shot, const char* name) {
-        QDir().mkpath(QStringLiteral(TILIKA_SCREENSHOT_DIR));
-        shot.save(QStringLiteral(TILIKA_SCREENSHOT_DIR "/") + QString::fromLatin1(name));
-    }
-
-    platform::ManualClock clock_{core::Date(std::chrono::milliseconds(1795338000000)),
-                                 "Europe/Moscow"};
-    std::unique_ptr<QTemporaryDir> dir_;
-    std::unique_ptr<frame::Session> session_;
-    frame::ViewController* root_ = nullptr;
 };
 
 QTEST_MAIN(RestoreTest)

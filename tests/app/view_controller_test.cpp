@@ -35,19 +35,16 @@
 #include "platform/settings_store.h"
 #include "session/application.h"
 #include "session/menu_blocks.h"
+#include "support/session_world.h"
 
 using namespace tilika;
 
-class ViewControllerTest : public QObject {
+class ViewControllerTest : public QObject, protected test::SessionWorld {
     Q_OBJECT
 
 private slots:
-    void init() { dir_ = std::make_unique<QTemporaryDir>(); }
-
-    void cleanup() {
-        session_.reset();
-        dir_.reset();
-    }
+    void init() { openFolder(); }
+    void cleanup() { closeSession(); }
 
     void firstStartGreetsOnceAndLeadsToTheChildsSettings() {
         launch();
@@ -515,35 +512,9 @@ private slots:
     }
 
 private:
-    void launch() {
-        session_ = std::make_unique<frame::Session>(clock_, dir_->path().toStdString(),
-                                                    TILIKA_TEST_RESOURCE_DIR);
-        QCOMPARE(session_->start(), frame::Session::StartResult::Started);
-        root_ = qobject_cast<frame::ViewController*>(session_->rootWindow());
-        QVERIFY(root_ != nullptr);
-        QVERIFY(QTest::qWaitForWindowExposed(root_));
-    }
-
-    void launchPastWelcome() {
-        launch();
-        QFrame* welcome = nullptr;
-        QTRY_VERIFY((welcome = root_->findChild<QFrame*>(QStringLiteral("firstStart"))));
-        welcome->findChild<QPushButton*>(QStringLiteral("start"))->click();
-        QTRY_VERIFY(root_->findChild<QFrame*>(QStringLiteral("firstStart")) == nullptr);
-    }
-
     void relaunch() {
         session_.reset();
         launch();
-    }
-
-    void addChild(const QString& name, const std::string& birth) {
-        diary::Profiles profiles(session_->application().context());
-        const std::string gid = core::newID();
-        diary::SetupRecord record = profiles.loadSetupData(gid);
-        record.name = name.toStdString();
-        record.sbirthdate = birth;
-        QVERIFY(profiles.saveSetupData(diary::saveflag::cloud, record, gid));
     }
 
     // Tab, or Shift+Tab, where the focus is; the widget it goes to.
@@ -643,17 +614,6 @@ private:
         }
         send(QEvent::MouseButtonRelease, start + QPoint(dx, 0), Qt::LeftButton, Qt::NoButton);
     }
-
-    static void save(const QPixmap& shot, const char* name) {
-        QDir().mkpath(QStringLiteral(TILIKA_SCREENSHOT_DIR));
-        shot.save(QStringLiteral(TILIKA_SCREENSHOT_DIR "/") + QString::fromLatin1(name));
-    }
-
-    platform::ManualClock clock_{core::Date(std::chrono::milliseconds(1795338000000)),
-                                 "Europe/Moscow"};
-    std::unique_ptr<QTemporaryDir> dir_;
-    std::unique_ptr<frame::Session> session_;
-    frame::ViewController* root_ = nullptr;
 };
 
 QTEST_MAIN(ViewControllerTest)

@@ -27,6 +27,7 @@
 #include "platform/clock.h"
 #include "session/application.h"
 #include "session/menu_blocks.h"
+#include "support/session_world.h"
 
 using namespace tilika;
 
@@ -67,18 +68,14 @@ int colourfulPixels(const QImage& image) {
 
 }  // namespace
 
-class X11ScreenTest : public QObject {
+class X11ScreenTest : public QObject, protected test::SessionWorld {
     Q_OBJECT
 
 private slots:
     void initTestCase() { QCOMPARE(QGuiApplication::platformName(), QStringLiteral("xcb")); }
 
-    void init() { dir_ = std::make_unique<QTemporaryDir>(); }
-
-    void cleanup() {
-        session_.reset();
-        dir_.reset();
-    }
+    void init() { openFolder(); }
+    void cleanup() { closeSession(); }
 
     void scrolledViewsShowWhatTheyDraw() {
         launchPastWelcome();
@@ -158,28 +155,6 @@ private slots:
     }
 
 private:
-    void launchPastWelcome() {
-        session_ = std::make_unique<frame::Session>(clock_, dir_->path().toStdString(),
-                                                    TILIKA_TEST_RESOURCE_DIR);
-        QCOMPARE(session_->start(), frame::Session::StartResult::Started);
-        root_ = qobject_cast<frame::ViewController*>(session_->rootWindow());
-        QVERIFY(root_ != nullptr);
-        QVERIFY(QTest::qWaitForWindowExposed(root_));
-        QFrame* welcome = nullptr;
-        QTRY_VERIFY((welcome = root_->findChild<QFrame*>(QStringLiteral("firstStart"))));
-        welcome->findChild<QAbstractButton*>(QStringLiteral("start"))->click();
-        QTRY_VERIFY(root_->findChild<QFrame*>(QStringLiteral("firstStart")) == nullptr);
-    }
-
-    void addChild(const char* name, const std::string& birth) {
-        diary::Profiles profiles(session_->application().context());
-        const std::string gid = core::newID();
-        diary::SetupRecord record = profiles.loadSetupData(gid);
-        record.name = name;
-        record.sbirthdate = birth;
-        QVERIFY(profiles.saveSetupData(diary::saveflag::cloud, record, gid));
-    }
-
     core::AppState& state() { return session_->application().state(); }
     frame::mainMenu* menu() { return root_->menuTab(); }
 
@@ -218,17 +193,6 @@ private:
         }
         return true;
     }
-
-    static QString screenshot(const char* name) {
-        QDir().mkpath(QStringLiteral(TILIKA_SCREENSHOT_DIR));
-        return QStringLiteral(TILIKA_SCREENSHOT_DIR "/") + QString::fromLatin1(name);
-    }
-
-    platform::ManualClock clock_{core::Date(std::chrono::milliseconds(1795338000000)),
-                                 "Europe/Moscow"};
-    std::unique_ptr<QTemporaryDir> dir_;
-    std::unique_ptr<frame::Session> session_;
-    frame::ViewController* root_ = nullptr;
 };
 
 QTEST_MAIN(X11ScreenTest)
