@@ -1,5 +1,6 @@
 #include "core/files.h"
 
+#include <fstream>
 #include <string>
 #include <system_error>
 
@@ -35,6 +36,30 @@ bool moveReplacing(const fs::path& from, const fs::path& to) {
         return false;
     }
     fs::remove(from, error);
+    return true;
+}
+
+bool writeFileReplacing(const fs::path& file, std::span<const std::uint8_t> bytes) {
+    std::error_code error;
+    fs::create_directories(file.parent_path(), error);
+    fs::path partial = file;
+    partial += ".part";
+    {
+        std::ofstream out(partial, std::ios::binary | std::ios::trunc);
+        out.write(reinterpret_cast<const char*>(bytes.data()),
+                  static_cast<std::streamsize>(bytes.size()));
+        out.flush();
+        if (!out) {
+            out.close();
+            fs::remove(partial, error);
+            return false;
+        }
+    }
+    fs::rename(partial, file, error);
+    if (error) {
+        fs::remove(partial, error);
+        return false;
+    }
     return true;
 }
 

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
+#include <span>
 #include <string_view>
 
 namespace tilika::core {
@@ -18,5 +20,10 @@ bool isPlainFileName(std::string_view name);
 // Moves a file, replacing the target. Across file systems it copies first
 // and removes the source only once the copy is complete.
 bool moveReplacing(const std::filesystem::path& from, const std::filesystem::path& to);
+
+// Writes the bytes under a temporary name beside the file first and then puts
+// them in its place, so a crash or a full disk never leaves half a file
+// under the real name, and the old file stays when the write fails.
+bool writeFileReplacing(const std::filesystem::path& file, std::span<const std::uint8_t> bytes);
 
 }  // namespace tilika::core

@@ -1,7 +1,10 @@
 #include "diary/day_rows.h"
 
+#include <array>
+
 #include "core/database.h"
 #include "core/dates.h"
+#include "core/text.h"
 
 namespace tilika::diary {
 
@@ -104,6 +107,40 @@ std::string DayRows::getLastDateValue(core::Date date, std::string_view type,
         }
     }));
     return value;
+}
+
+std::string DayRows::toothForDay(core::Date date, std::string_view gid) {
+    // Each day's value holds only its changes: a tooth that came through by
+    // its number, a lost one by its number plus 100. Replayed oldest first
+    // they give the teeth of the day before.
+    constexpr int kTeeth = 20;
+    constexpr int kLost = 100;
+    std::array<bool, kTeeth + 1> present{};
+    note(core::tryWrite("toothForDay", [&] {
+        SQLite::Statement query(db_,
+                                "select value from childdata where type='tooth' and childguid=? "
+                                "and date(sdat)<date(?) order by date(sdat)");
+        query.bind(1, std::string(gid));
+        query.bind(2, dayText(dates_, date));
+        while (query.executeStep()) {
+            for (const std::string& item :
+                 core::split(core::stringFromBase(query, 0).value_or(""), "<tr>")) {
+                const int n = core::intValue(item);
+                if (n >= 1 && n <= kTeeth) {
+                    present[static_cast<std::size_t>(n)] = true;
+                } else if (n > kLost && n <= kLost + kTeeth) {
+                    present[static_cast<std::size_t>(n - kLost)] = false;
+                }
+            }
+        }
+    }));
+    std::vector<std::string> teeth;
+    for (int n = 1; n <= kTeeth; ++n) {
+        if (present[static_cast<std::size_t>(n)]) {
+            teeth.push_back(std::to_string(n));
+        }
+    }
+    return core::join(teeth, "<tr>");
 }
 
 }  // namespace tilika::diary

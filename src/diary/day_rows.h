@@ -40,6 +40,10 @@ public:
     std::string getLastDateValue(core::Date date, std::string_view type, std::string_view gid);
     std::optional<core::Date> getLastValueDate() const { return lastValueDate_; }
 
+    // The milk teeth the child has just before the day, the day itself left
+    // out: numbers 1 to 20 in ascending order, joined by "<tr>".
+    std::string toothForDay(core::Date date, std::string_view gid);
+
     // Whether a statement has failed since these rows were made, with the
     // first one's reason: a caller writing in a transaction then rolls back
     // instead of keeping half.

@@ -5,6 +5,7 @@
 
 #include "core/context.h"
 #include "core/dates.h"
+#include "core/files.h"
 #include "core/text.h"
 #include "diary/reference_lists.h"
 #include "platform/image_codec.h"
@@ -21,26 +22,6 @@ constexpr std::uintmax_t kLargestPicture = 64 * 1024 * 1024;
 
 void addSeparator(std::vector<CatalogueRow>& rows) {
     addToNoteInit(rows, "", "-", formtp::separator, 0, "", "", "line", false, false);
-}
-
-// Writes the bytes under a temporary name first, so a crash never leaves a
-// half picture under the real one.
-bool writeFile(const std::filesystem::path& file, const std::vector<std::uint8_t>& bytes) {
-    std::error_code error;
-    std::filesystem::create_directories(file.parent_path(), error);
-    std::filesystem::path partial = file;
-    partial += ".part";
-    {
-        std::ofstream out(partial, std::ios::binary | std::ios::trunc);
-        out.write(reinterpret_cast<const char*>(bytes.data()),
-                  static_cast<std::streamsize>(bytes.size()));
-        if (!out) {
-            std::filesystem::remove(partial, error);
-            return false;
-        }
-    }
-    std::filesystem::rename(partial, file, error);
-    return !error;
 }
 
 std::optional<platform::Image> readPicture(const platform::ImageCodec& images,
@@ -164,7 +145,7 @@ SetupRecord ProfileForm::setupArrayToDic(const std::vector<CatalogueRow>& rows,
             }
             if (row.save == 1 && row.image && !row.image->empty()) {
                 const auto jpeg = images_.encodeJpeg(*row.image, kPortraitQuality);
-                if (jpeg.empty() || !writeFile(portrait, jpeg)) {
+                if (jpeg.empty() || !core::writeFileReplacing(portrait, jpeg)) {
                     platform::log("Could not save the portrait " + portrait.string());
                 }
             } else if (row.save == 2) {
