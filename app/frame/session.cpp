@@ -21,6 +21,13 @@ Session::Session(const platform::Clock& clock, std::filesystem::path dataDir,
             RootServices{application_, qtPictures_, imageCodec_,
                          folders_.path(platform::SystemFolder::Root) / "content"});
     });
+    shell_.setDayEditorOpener([this](platform::Date day) {
+        auto* root = qobject_cast<ViewController*>(shell_.rootWindow());
+        const std::optional<std::string>& gid = application_.state().activeGid;
+        if (root != nullptr && gid) {
+            root->openDayEditor(day, *gid);
+        }
+    });
 }
 
 Session::~Session() {

@@ -18,6 +18,9 @@
 #include <QVariantAnimation>
 
 #include "core/context.h"
+#include "diary/day_cloud.h"
+#include "diary/note_edit.h"
+#include "diary/photo_source.h"
 #include "diary/reference_lists.h"
 #include "frame/background_screen.h"
 #include "frame/coming_page.h"

@@ -2,6 +2,7 @@
 
 #include <QPoint>
 #include <QPointer>
+#include <QRect>
 #include <QWidget>
 
 #include <array>
@@ -11,6 +12,7 @@
 #include <optional>
 #include <string>
 
+#include "core/date.h"
 #include "core/write_result.h"
 #include "frame/navigation.h"
 
@@ -26,8 +28,11 @@ struct Context;
 struct MenuRow;
 }  // namespace tilika::core
 namespace tilika::diary {
+class NoCloud;
 class ReferenceLists;
-}
+class SystemPhotoSource;
+class noteEdit;
+}  // namespace tilika::diary
 namespace tilika::platform {
 class ImageCodec;
 class QtPictures;
@@ -106,6 +111,13 @@ public:
     dic* setupForm() const;
     background* backgroundScreen() const;
     TiltSensor* tiltSensor() const { return tilt_; }
+    // The editor of a child's day, over the pages; `onClose` runs once it is
+    // saved and closed, `anchor` is what it was opened from, in this
+    // screen's coordinates. Every screen that opens a day comes here.
+    void openDayEditor(core::Date day, const std::string& gid, std::function<void()> onClose = {},
+                       std::optional<QRect> anchor = std::nullopt);
+    diary::noteEdit* dayEditor() const;
+
     // The restore of the diary from a daily copy, over everything; it comes
     // up by itself when the diary was found damaged.
     void showRestore();
@@ -182,6 +194,9 @@ private:
     TiltSensor* tilt_;
     TiltNavigator tiltNavigator_;
 
+    std::unique_ptr<diary::NoCloud> cloud_;
+    std::unique_ptr<diary::SystemPhotoSource> photos_;
+    QPointer<diary::noteEdit> dayEditor_;
     QPointer<dic> setupForm_;
     QPointer<background> background_;
     QPointer<restoreScreen> restore_;

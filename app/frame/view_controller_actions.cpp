@@ -7,6 +7,9 @@
 #include "core/context.h"
 #include "core/ids.h"
 #include "core/settings_keys.h"
+#include "diary/day_cloud.h"
+#include "diary/note_edit.h"
+#include "diary/photo_source.h"
 #include "diary/profile_form.h"
 #include "diary/profiles.h"
 #include "frame/background_screen.h"
@@ -179,6 +182,35 @@ void ViewController::changeBackground(long long id) {
     const core::WriteResult result = frame::changeBackground(state_, context_.settings, id);
     menu_->updateMenu();
     saved(result, background_ != nullptr ? static_cast<QWidget*>(background_) : this);
+}
+
+diary::noteEdit* ViewController::dayEditor() const {
+    return dayEditor_;
+}
+
+void ViewController::openDayEditor(core::Date day, const std::string& gid,
+                                   std::function<void()> onClose, std::optional<QRect> anchor) {
+    if (gid.empty()) {
+        return;
+    }
+    if (dayEditor_ == nullptr) {
+        cloud_ = std::make_unique<diary::NoCloud>();
+        photos_ = std::make_unique<diary::SystemPhotoSource>();
+        dayEditor_ = new diary::noteEdit(
+            diary::EditorServices{
+                context_,
+                FormServices{state_, context_.dates, *popups_, services_.pictures, lists_.get()},
+                services_.images, *cloud_, *photos_,
+                [this](const std::string& caption) { comingSoon(caption); },
+                [this] {
+                    services_.application.updateNoteAlarms();
+                    if (state_.pillsAlarm) {
+                        services_.application.updatePillsAlarms();
+                    }
+                }},
+            this);
+    }
+    dayEditor_->open(day, gid, std::move(onClose), anchor);
 }
 
 void ViewController::comingSoon(const std::string& caption) {

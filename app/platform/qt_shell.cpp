@@ -77,8 +77,13 @@ bool QtShell::rootIsCurrent() const {
     return root_ && QApplication::activeModalWidget() == nullptr;
 }
 
-void QtShell::openDayEditor(Date /*day*/) {
-    log("The day editor is not part of this build yet");
+void QtShell::openDayEditor(Date day) {
+    if (!root_) {
+        showRootWindow();
+    }
+    if (dayEditorOpener_) {
+        dayEditorOpener_(day);
+    }
 }
 
 void QtShell::hideKeyboard() {

@@ -26,6 +26,9 @@ public:
     ~QtShell() override;
 
     void setRootFactory(RootFactory factory) { rootFactory_ = std::move(factory); }
+    // Opens the editor of a day for the active child in the root window.
+    using DayEditorOpener = std::function<void(Date day)>;
+    void setDayEditorOpener(DayEditorOpener opener) { dayEditorOpener_ = std::move(opener); }
     QWidget* rootWindow() const { return root_.get(); }
     void closeRootWindow() { root_.reset(); }
 
@@ -44,6 +47,7 @@ public:
 
 private:
     RootFactory rootFactory_;
+    DayEditorOpener dayEditorOpener_;
     std::unique_ptr<QWidget> root_;
 };
 

@@ -75,6 +75,11 @@ public:
     // on the user's word.
     bool startEmpty();
 
+    // The reminders of the diary, and of the medicine courses, follow the
+    // days as saved. Hooks of services that are not part of the program yet.
+    void updateNoteAlarms();
+    void updatePillsAlarms();
+
     core::AppState& state() { return state_; }
     const core::Dates& dates() const { return dates_; }
     core::DatabaseStore& database() { return database_; }
@@ -92,8 +97,6 @@ private:
     // Hooks of services that are not part of the program yet.
     void dropboxInit();
     bool dropboxHandleOpenUrl(const std::string& url);
-    void updateNoteAlarms();
-    void updatePillsAlarms();
 
     const platform::Clock& clock_;
     platform::SettingsStore& settings_;
