@@ -217,8 +217,10 @@ bool DayEditor::storePhoto(const CatalogueRow& photo) {
     }
     const platform::Image& image = *newPhoto_;
     const int longer = std::max(image.width, image.height);
-    const int width = std::max(1, image.width * kThumbnailSide / longer);
-    const int height = std::max(1, image.height * kThumbnailSide / longer);
+    // The box is rounded up, so that the codec's own rounding of the shorter
+    // side keeps the longer one at its full size.
+    const int width = std::max(1, (image.width * kThumbnailSide + longer - 1) / longer);
+    const int height = std::max(1, (image.height * kThumbnailSide + longer - 1) / longer);
     const std::vector<std::uint8_t> full = images_.encodeJpeg(image, 1.0);
     const std::vector<std::uint8_t> small =
         images_.encodeJpeg(images_.scaled(image, width, height), 1.0);
