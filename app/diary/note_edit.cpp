@@ -27,6 +27,7 @@
 #include "frame/form_row_views.h"
 #include "frame/form_values.h"
 #include "frame/look.h"
+#include "frame/pictures.h"
 #include "frame/popup_layer.h"
 #include "frame/popup_panels.h"
 #include "frame/popups.h"
@@ -82,6 +83,8 @@ noteEdit::noteEdit(EditorServices services, QWidget* window)
       editor_(services_.context, store_, services_.images, services_.cloud) {
     setObjectName(QStringLiteral("noteEdit"));
     setAutoFillBackground(true);
+    setAttribute(Qt::WA_StyledBackground);
+    setStyleSheet(QStringLiteral("#noteEdit { border: 1px solid palette(mid); }"));
     setFocusPolicy(Qt::StrongFocus);
     hide();
 
@@ -232,7 +235,7 @@ QWidget* noteEdit::buildRow(std::size_t index, QWidget* parent) {
     box->setContentsMargins(0, 0, 0, 0);
     box->setSpacing(2);
     auto* head =
-        new frame::form::TapRow(services_.forms.pictures, row.pic, qs(row.caption), widget);
+        new frame::form::TapRow(services_.forms.pictures, icon(row.pic), qs(row.caption), widget);
     head->setArrow("arrow.png");
     connect(head, &QAbstractButton::clicked, this, [this, index] { detailClick(index); });
     box->addWidget(head);
@@ -275,7 +278,7 @@ QWidget* noteEdit::multiRow(std::size_t index, QWidget* parent) {
     box->setSpacing(2);
     auto* headLine = new QHBoxLayout;
     auto* head =
-        new frame::form::TapRow(services_.forms.pictures, row.pic, qs(row.caption), widget);
+        new frame::form::TapRow(services_.forms.pictures, icon(row.pic), qs(row.caption), widget);
     connect(head, &QAbstractButton::clicked, this, [this, index] { detailClick(index); });
     headLine->addWidget(head, 1);
     auto* add = markButton(QStringLiteral("+"), widget);
@@ -320,8 +323,8 @@ QWidget* noteEdit::photoRow(std::size_t index, QWidget* parent) {
     widget->installEventFilter(this);
     auto* box = new QVBoxLayout(widget);
     box->setContentsMargins(0, 0, 0, 0);
-    auto* head =
-        new frame::form::TapRow(services_.forms.pictures, "ne-photo.png", qs(row.caption), widget);
+    auto* head = new frame::form::TapRow(services_.forms.pictures, icon("ne-photo.png"),
+                                         qs(row.caption), widget);
     connect(head, &QAbstractButton::clicked, this, [this] { photoClick(); });
     box->addWidget(head);
     if (row.isphoto) {
@@ -337,6 +340,11 @@ QWidget* noteEdit::photoRow(std::size_t index, QWidget* parent) {
         }
     }
     return widget;
+}
+
+std::string noteEdit::icon(const std::string& picture) const {
+    // The editor is light whatever the backdrop, as the forms are.
+    return services_.forms.pictures.pictures().colored(picture, services_.context.state.colorIcons);
 }
 
 int noteEdit::formHeight(int kind) const {

@@ -113,6 +113,7 @@ private:
     void moveTo(core::Date date);
     void message(const QString& text);
     int formHeight(int kind) const;
+    std::string icon(const std::string& picture) const;
 
     EditorServices services_;
     medication::CourseReconciler courses_;

@@ -59,6 +59,11 @@ private slots:
     }
 
     void panelInAWideWindowCoverInANarrowOne() {
+        put("2026-11-20", "doctor", "Спросить про прививку");
+        put("2026-11-20", "temp",
+            R"([{"time":"08:10","temp":"37.4"},{"time":"20:00","temp":"36.8"}])");
+        put("2026-11-20", "sleep", R"([{"start":"13:00","end":"15:10","interval":"02:10"}])");
+        put("2026-11-20", "ves", "7.250");
         window_->resize(1024, 768);
         QTest::qWait(20);
         open("2026-11-20", QRect(40, 300, 300, 60));
@@ -199,6 +204,11 @@ private:
             }
         }
         return rows.size();
+    }
+
+    void put(const char* day, const char* type, const char* value) {
+        diary::DayRows(*database_->connectToBase(), dates_)
+            .insertValue(type, value, *dates_.dateFromString(day), gid_, true, false);
     }
 
     std::string stored(const char* day, const char* type) {

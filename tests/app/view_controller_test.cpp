@@ -20,6 +20,7 @@
 #include "core/dates.h"
 #include "core/ids.h"
 #include "core/settings_keys.h"
+#include "diary/note_edit.h"
 #include "diary/profiles.h"
 #include "frame/background_screen.h"
 #include "frame/dic.h"
@@ -509,6 +510,24 @@ private slots:
         QVERIFY(box != nullptr);
         QCOMPARE(box->text(), QStringLiteral("Этот раздел скоро появится в программе."));
         box->close();
+    }
+
+    void newNoteShortcutOpensTodayInTheDayEditor() {
+        launchPastWelcome();
+        addChild(QStringLiteral("Маша"));
+        const std::string gid =
+            diary::Profiles(session_->application().context()).loadProfils().back().childguid;
+        session_->application().quickStart("NEWNOTE|" + gid);
+        diary::noteEdit* editor = root_->dayEditor();
+        QVERIFY(editor != nullptr && editor->isVisible());
+        const core::Dates& dates = session_->application().dates();
+        QCOMPARE(editor->captionLabel()->text(),
+                 QString::fromStdString(dates.dateToString(dates.now(), core::formats::screenDay)));
+        QCOMPARE(editor->editor().gid(), gid);
+        // The pager keeps still under it, and Escape is the editor's.
+        QTest::keyClick(editor, Qt::Key_Escape);
+        QVERIFY(!editor->isVisible());
+        QCOMPARE(state().openForms, 0);
     }
 
 private:
