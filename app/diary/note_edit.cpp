@@ -65,6 +65,15 @@ QLabel* textLabel(const QString& text, QWidget* parent) {
     return label;
 }
 
+// The widget of a row, and the column it stacks its parts in.
+std::pair<QWidget*, QVBoxLayout*> rowColumn(QWidget* parent) {
+    auto* widget = new QWidget(parent);
+    auto* box = new QVBoxLayout(widget);
+    box->setContentsMargins(0, 0, 0, 0);
+    box->setSpacing(2);
+    return {widget, box};
+}
+
 QToolButton* markButton(const QString& text, QWidget* parent) {
     auto* button = new QToolButton(parent);
     button->setText(text);
@@ -230,10 +239,7 @@ QWidget* noteEdit::buildRow(std::size_t index, QWidget* parent) {
     if (isMultiRow(row.tp)) {
         return multiRow(index, parent);
     }
-    auto* widget = new QWidget(parent);
-    auto* box = new QVBoxLayout(widget);
-    box->setContentsMargins(0, 0, 0, 0);
-    box->setSpacing(2);
+    auto [widget, box] = rowColumn(parent);
     auto* head =
         new frame::form::TapRow(services_.forms.pictures, icon(row.pic), qs(row.caption), widget);
     head->setArrow("arrow.png");
@@ -247,9 +253,7 @@ QWidget* noteEdit::buildRow(std::size_t index, QWidget* parent) {
 
 QWidget* noteEdit::sliderRow(std::size_t index, QWidget* parent) {
     const CatalogueRow& row = editor_.noteData()[index];
-    auto* widget = new QWidget(parent);
-    auto* box = new QVBoxLayout(widget);
-    box->setContentsMargins(0, 0, 0, 0);
+    auto [widget, box] = rowColumn(parent);
     auto* caption = new QLabel(qs(row.caption), widget);
     caption->setWordWrap(true);
     caption->setMinimumWidth(1);
@@ -272,10 +276,7 @@ QWidget* noteEdit::sliderRow(std::size_t index, QWidget* parent) {
 
 QWidget* noteEdit::multiRow(std::size_t index, QWidget* parent) {
     const CatalogueRow& row = editor_.noteData()[index];
-    auto* widget = new QWidget(parent);
-    auto* box = new QVBoxLayout(widget);
-    box->setContentsMargins(0, 0, 0, 0);
-    box->setSpacing(2);
+    auto [widget, box] = rowColumn(parent);
     auto* headLine = new QHBoxLayout;
     auto* head =
         new frame::form::TapRow(services_.forms.pictures, icon(row.pic), qs(row.caption), widget);
@@ -317,12 +318,10 @@ QWidget* noteEdit::multiRow(std::size_t index, QWidget* parent) {
 
 QWidget* noteEdit::photoRow(std::size_t index, QWidget* parent) {
     const CatalogueRow& row = editor_.noteData()[index];
-    auto* widget = new QWidget(parent);
+    auto [widget, box] = rowColumn(parent);
     widget->setObjectName(QStringLiteral("photoRow"));
     widget->setAcceptDrops(true);
     widget->installEventFilter(this);
-    auto* box = new QVBoxLayout(widget);
-    box->setContentsMargins(0, 0, 0, 0);
     auto* head = new frame::form::TapRow(services_.forms.pictures, icon("ne-photo.png"),
                                          qs(row.caption), widget);
     connect(head, &QAbstractButton::clicked, this, [this] { photoClick(); });

@@ -43,12 +43,7 @@ private slots:
     void init() {
         openWorld();
         lists_ = std::make_unique<diary::ReferenceLists>(*context_);
-        gid_ = core::newID();
-        diary::Profiles profiles(*context_);
-        diary::SetupRecord record = profiles.loadSetupData(gid_);
-        record.name = "Аня";
-        record.sbirthdate = "2026-01-10";
-        QVERIFY(profiles.saveSetupData(diary::saveflag::cloud, record, gid_));
+        gid_ = addChild("2026-01-10");
         alarms_ = 0;
         closed_ = 0;
     }
@@ -97,8 +92,7 @@ private slots:
 
         // Opening and leaving a day untouched changes nothing, the sliders
         // that start from the last measure included.
-        diary::DayRows(*database_->connectToBase(), dates_)
-            .insertValue("ves", "5.100", *dates_.dateFromString("2026-11-01"), gid_, true, false);
+        put("2026-11-01", "ves", "5.100");
         state_->pageDirty.fill(false);
         open("2026-11-21");
         QTest::qWait(50);
@@ -207,14 +201,9 @@ private:
     }
 
     void put(const char* day, const char* type, const char* value) {
-        diary::DayRows(*database_->connectToBase(), dates_)
-            .insertValue(type, value, *dates_.dateFromString(day), gid_, true, false);
+        putValue(gid_, day, type, value);
     }
-
-    std::string stored(const char* day, const char* type) {
-        return diary::DayRows(*database_->connectToBase(), dates_)
-            .getDateValue(*dates_.dateFromString(day), type, gid_);
-    }
+    std::string stored(const char* day, const char* type) { return storedValue(gid_, day, type); }
 
     std::filesystem::path folderPath() const { return dir_->path().toStdString(); }
 

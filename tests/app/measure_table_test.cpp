@@ -23,13 +23,7 @@ private slots:
     void init() {
         openWorld();
         lists_ = std::make_unique<diary::ReferenceLists>(*context_);
-        gid_ = core::newID();
-        diary::Profiles profiles(*context_);
-        diary::SetupRecord record = profiles.loadSetupData(gid_);
-        record.name = "Аня";
-        record.sbirthdate = "2026-01-10";
-        record.ves = "3.4";
-        QVERIFY(profiles.saveSetupData(diary::saveflag::cloud, record, gid_));
+        gid_ = addChild("2026-01-10", "3.4");
         screen_ = new diary::edittable(
             *context_, frame::FormServices{*state_, dates_, *popups_, qtPictures_, lists_.get()},
             cloud_, window_.get());
@@ -106,13 +100,9 @@ private slots:
 
 private:
     void put(const char* day, const char* type, const char* value) {
-        diary::DayRows(*database_->connectToBase(), dates_)
-            .insertValue(type, value, *dates_.dateFromString(day), gid_, true, false);
+        putValue(gid_, day, type, value);
     }
-    std::string stored(const char* day, const char* type) {
-        return diary::DayRows(*database_->connectToBase(), dates_)
-            .getDateValue(*dates_.dateFromString(day), type, gid_);
-    }
+    std::string stored(const char* day, const char* type) { return storedValue(gid_, day, type); }
 
     std::unique_ptr<diary::ReferenceLists> lists_;
     diary::NoCloud cloud_;

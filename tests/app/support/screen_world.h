@@ -13,7 +13,10 @@
 #include "core/context.h"
 #include "core/database.h"
 #include "core/dates.h"
+#include "core/ids.h"
 #include "core/settings_file.h"
+#include "diary/day_rows.h"
+#include "diary/profiles.h"
 #include "frame/pictures.h"
 #include "frame/popup_panels.h"
 #include "frame/textdata.h"
@@ -71,6 +74,30 @@ protected:
         window_.reset();
         context_.reset();
         database_.reset();
+    }
+
+    // A child as the profile form saves one; its guid.
+    std::string addChild(const std::string& birth, const std::string& ves = "") {
+        const std::string gid = core::newID();
+        diary::Profiles profiles(*context_);
+        diary::SetupRecord record = profiles.loadSetupData(gid);
+        record.name = "Аня";
+        record.sbirthdate = birth;
+        record.ves = ves;
+        if (!profiles.saveSetupData(diary::saveflag::cloud, record, gid)) {
+            QTest::qFail("the child could not be saved", __FILE__, __LINE__);
+        }
+        return gid;
+    }
+
+    // A day's value in the diary, put there and read back.
+    void putValue(const std::string& gid, const char* day, const char* type, const char* value) {
+        diary::DayRows(*database_->connectToBase(), dates_)
+            .insertValue(type, value, *dates_.dateFromString(day), gid, true, false);
+    }
+    std::string storedValue(const std::string& gid, const char* day, const char* type) {
+        return diary::DayRows(*database_->connectToBase(), dates_)
+            .getDateValue(*dates_.dateFromString(day), type, gid);
     }
 
     frame::TextPageEnvironment textEnvironment() const {

@@ -31,16 +31,7 @@ protected:
     test::FakeImageCodec images;
     CountingCloud cloud;
     DayEditor editor{context, store, images, cloud};
-    std::string gid;
-
-    DayEditorTest() {
-        gid = core::newID();
-        SetupRecord record = Profiles(context).loadSetupData(gid);
-        record.name = "Аня";
-        record.sbirthdate = "2026-01-10";
-        record.ves = "3.2";
-        EXPECT_TRUE(Profiles(context).saveSetupData(saveflag::cloud, record, gid));
-    }
+    const std::string gid = newChild("2026-01-10", "3.2");
 
     core::Date at(const char* text) { return *dates.dateFromString(text); }
 

@@ -18,17 +18,7 @@ protected:
     DiaryStore store{context, courses};
     NoCloud cloud;
     MeasureTable table{context, store, cloud};
-    std::string gid;
-
-    MeasureTableTest() {
-        gid = core::newID();
-        SetupRecord record = Profiles(context).loadSetupData(gid);
-        record.name = "Аня";
-        record.sbirthdate = "2026-01-10";
-        record.ves = "3.2";
-        record.rost = "50";
-        EXPECT_TRUE(Profiles(context).saveSetupData(saveflag::cloud, record, gid));
-    }
+    const std::string gid = newChild("2026-01-10", "3.2", "50");
 
     std::string stored(const char* date, const char* type) {
         return DayRows(db(), dates).getDateValue(*dates.dateFromString(date), type, gid);

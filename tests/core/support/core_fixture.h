@@ -6,7 +6,9 @@
 #include "core/context.h"
 #include "core/database.h"
 #include "core/dates.h"
+#include "core/ids.h"
 #include "core/settings_file.h"
+#include "diary/profiles.h"
 #include "medication/courses.h"
 #include "platform/clock.h"
 #include "platform/folders.h"
@@ -46,6 +48,21 @@ protected:
             throw std::runtime_error("the test database can't be opened");
         }
         return *open;
+    }
+
+    // A child as the profile form saves one, with its measures at birth; its
+    // guid.
+    std::string newChild(const std::string& birth, const std::string& ves = "",
+                         const std::string& rost = "") {
+        const std::string gid = core::newID();
+        diary::Profiles profiles(context);
+        diary::SetupRecord record = profiles.loadSetupData(gid);
+        record.name = "Аня";
+        record.sbirthdate = birth;
+        record.ves = ves;
+        record.rost = rost;
+        EXPECT_TRUE(profiles.saveSetupData(diary::saveflag::cloud, record, gid));
+        return gid;
     }
 
     // The first column of the first row of a query, as text ("" for none).
