@@ -101,6 +101,22 @@ private slots:
         QVERIFY(!state_->pageDirty[9]);
     }
 
+    void aDayThatCannotBeSavedStaysOpen() {
+        open("2026-11-20");
+        editor_->editor().editData(indexOf("note"), "важное");
+        database_->connectToBase()->exec("PRAGMA query_only = 1");
+        QTest::keyClick(editor_, Qt::Key_Escape);
+        QVERIFY(editor_->isVisible());
+        QMessageBox* box = nullptr;
+        QTRY_VERIFY((box = window_->findChild<QMessageBox*>()) != nullptr && box->isVisible());
+        QVERIFY(box->text().startsWith(QStringLiteral("Не удалось сохранить данные")));
+        QCOMPARE(closed_, 0);
+        box->close();
+        database_->connectToBase()->exec("PRAGMA query_only = 0");
+        QVERIFY(editor_->close());
+        QCOMPARE(stored("2026-11-20", "note"), std::string("важное"));
+    }
+
     void closingTheWindowSaves() {
         open("2026-11-20");
         editor_->editor().editData(indexOf("smile"), "смеялась");

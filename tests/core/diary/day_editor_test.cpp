@@ -233,6 +233,39 @@ TEST_F(DayEditorTest, MovingToAnotherDaySavesWithoutMarkingPages) {
     EXPECT_EQ(editor.noteData()[indexOf("note")].source, "первый день");
 }
 
+TEST_F(DayEditorTest, FailedSaveKeepsTheDayInMemory) {
+    open("2026-11-20");
+    editor.editData(indexOf("note"), "не потерять");
+    state.cloudMode = core::cloudmode::icloud;
+    db().exec("PRAGMA query_only = 1");
+
+    const DaySaved moved = editor.moveBy(1);
+    EXPECT_EQ(moved.rows.failure(), core::WriteFailure::readOnly);
+    EXPECT_FALSE(moved.message().empty());
+    // Still the same day, with what was typed, and still to be saved.
+    EXPECT_EQ(editor.caption(), "20.11.2026");
+    EXPECT_EQ(editor.noteData()[indexOf("note")].source, "не потерять");
+    EXPECT_TRUE(editor.needSave());
+    EXPECT_TRUE(cloud.kinds.empty());
+
+    db().exec("PRAGMA query_only = 0");
+    EXPECT_TRUE(editor.save(true).ok());
+    EXPECT_EQ(stored("2026-11-20", "note"), "не потерять");
+}
+
+TEST_F(DayEditorTest, GarbledValuesReadAsTheyCan) {
+    put("2026-11-20", "pills", R"([{"pillname":7},"x",{"pilldoza":"1<td>"}])");
+    put("2026-11-20", "sleep", "[{\"start\":");
+    put("2026-11-20", "temp", "{}");
+    open("2026-11-20");
+    editor.deleteElement(indexOf("pills"), 5);
+    editor.deleteElement(indexOf("pills"), 0);
+    editor.deleteElement(indexOf("sleep"), 0);
+    editor.deleteTimedRow(indexOf("temp"), 3);
+    editor.editData(indexOf("note"), "дальше");
+    EXPECT_TRUE(editor.save(true).rows.ok());
+}
+
 TEST_F(DayEditorTest, SliderStartsFromTheLastMeasure) {
     open("2026-11-20");
     // Before any measure, the weight at birth.
