@@ -162,10 +162,6 @@ private:
                   std::string_view gid) const;
     void carryOver(SQLite::Database& db, SetupRecord& setup, core::Date start, std::string_view gid,
                    std::string_view recovery) const;
-    void noteStrings(DayNote& day, SetupRecord& setup, int regim, bool simple,
-                     std::string_view recovery) const;
-    DayNote emptyDay(core::Date dat, SetupRecord& setup, int regim, bool simple,
-                     std::string_view gid, std::string_view recovery) const;
 
     core::Context& context_;
     const CoursesOfDay& courses_;
