@@ -3,8 +3,8 @@
 #include <cerrno>
 #include <chrono>
 #include <cstdint>
-#include <optional>
 #include <dirent.h>
+#include <optional>
 #include <string>
 #include <sys/stat.h>
 #include <system_error>
@@ -58,8 +58,10 @@ std::optional<std::int64_t> changedAt(const std::string& folder, bool& missing) 
     return static_cast<std::int64_t>(info.st_mtim.tv_sec) * 1'000'000'000 + info.st_mtim.tv_nsec;
 }
 
+// `links` tells whether any of the names is a link: what a link leads to
+// can come and go without the folder changing.
 std::optional<std::unordered_set<std::string>> listNames(const std::string& folder,
-                                                         std::string_view prefix) {
+                                                         std::string_view prefix, bool& links) {
     DIR* dir = ::opendir(folder.c_str());
     if (dir == nullptr) {
         return std::nullopt;
@@ -74,9 +76,10 @@ std::optional<std::unordered_set<std::string>> listNames(const std::string& fold
         // The listing tells the kind of each entry without a look-up; only
         // a link (or an entry of a kind the file system doesn't tell) needs
         // one, to see that what it names is there.
+        const bool looked = entry->d_type == DT_LNK || entry->d_type == DT_UNKNOWN;
+        links = links || looked;
         struct stat target {};
-        if ((entry->d_type != DT_LNK && entry->d_type != DT_UNKNOWN) ||
-            ::fstatat(::dirfd(dir), entry->d_name, &target, 0) == 0) {
+        if (!looked || ::fstatat(::dirfd(dir), entry->d_name, &target, 0) == 0) {
             names.emplace(name);
         }
         errno = 0;
@@ -105,12 +108,13 @@ std::shared_ptr<const std::unordered_set<std::string>> existingNames(const fs::p
         return kept->second.names;
     }
     const auto listedAt = std::chrono::system_clock::now().time_since_epoch();
-    std::optional<std::unordered_set<std::string>> names = listNames(path, prefix);
+    bool links = false;
+    std::optional<std::unordered_set<std::string>> names = listNames(path, prefix, links);
     if (!names) {
         return nullptr;
     }
     auto shared = std::make_shared<const std::unordered_set<std::string>>(std::move(*names));
-    if (listedAt - std::chrono::nanoseconds(*changed) > kSettled) {
+    if (!links && listedAt - std::chrono::nanoseconds(*changed) > kSettled) {
         if (listings.size() >= kListingLimit) {
             listings.clear();
         }

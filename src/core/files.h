@@ -22,7 +22,8 @@ bool isPlainFileName(std::string_view name);
 // exists (a link only when what it leads to does). Asking for hundreds of
 // files one by one costs a look-up each; this lists the folder once, and
 // keeps the listing (per thread) for as long as the folder's modification
-// time stays the same, so that the next time costs one look-up. Empty for a
+// time stays the same, so that the next time costs one look-up; a listing
+// with links in it is not kept. Empty for a
 // folder that isn't there; nullptr when it can't be listed.
 std::shared_ptr<const std::unordered_set<std::string>> existingNames(
     const std::filesystem::path& folder, std::string_view prefix);
