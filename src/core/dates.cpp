@@ -1,9 +1,12 @@
 #include "core/dates.h"
 
+#include <unicode/basictz.h>
 #include <unicode/calendar.h>
 #include <unicode/gregocal.h>
 #include <unicode/smpdtfmt.h>
 #include <unicode/timezone.h>
+#include <unicode/tzrule.h>
+#include <unicode/tztrans.h>
 #include <unicode/unistr.h>
 
 #include <algorithm>
@@ -453,10 +456,63 @@ std::optional<std::int32_t> offsetAt(const icu::TimeZone& zone, UDate date) {
     return U_SUCCESS(status) ? std::optional<std::int32_t>(raw + dst) : std::nullopt;
 }
 
-bool isMidnight(const icu::TimeZone& zone, UDate date, double millisInDay) {
-    return millisInDay == 0 &&
-           offsetAt(zone, date - kClockChangeMillis) == offsetAt(zone, date + kClockChangeMillis);
-}
+// The zone's offsets over a span of time. Asked for every day of a year, it
+// answers from the zone's few changes of clocks in the span rather than
+// from its rules each time; outside the span, or where the zone can't list
+// its changes, it asks the zone.
+class Offsets {
+public:
+    explicit Offsets(const icu::TimeZone& zone) : zone_(zone) {}
+
+    Offsets(const icu::TimeZone& zone, UDate from, UDate to) : zone_(zone) {
+        const auto* basic = dynamic_cast<const icu::BasicTimeZone*>(&zone);
+        const std::optional<std::int32_t> initial = offsetAt(zone, from);
+        if (basic == nullptr || !initial) {
+            return;
+        }
+        changes_.push_back({from, *initial});
+        icu::TimeZoneTransition transition;
+        UDate base = from;
+        while (basic->getNextTransition(base, false, transition) && transition.getTime() <= to) {
+            const icu::TimeZoneRule* rule = transition.getTo();
+            const std::int32_t offset = rule->getRawOffset() + rule->getDSTSavings();
+            // A change that the zone itself reads otherwise, or a zone that
+            // changes without end, is left to the zone.
+            if (offsetAt(zone, transition.getTime()) != offset || changes_.size() > kMostChanges) {
+                changes_.clear();
+                return;
+            }
+            changes_.push_back({transition.getTime(), offset});
+            base = transition.getTime();
+        }
+        to_ = to;
+    }
+
+    std::optional<std::int32_t> at(UDate date) const {
+        if (changes_.empty() || date < changes_.front().time || date > to_) {
+            return offsetAt(zone_, date);
+        }
+        const auto after =
+            std::upper_bound(changes_.begin(), changes_.end(), date,
+                             [](UDate value, const Change& change) { return value < change.time; });
+        return std::prev(after)->offset;
+    }
+
+    // Whether the date is a day's 00:00 with no change of clocks near it.
+    bool midnight(UDate date, double millisInDay) const {
+        return millisInDay == 0 && at(date - kClockChangeMillis) == at(date + kClockChangeMillis);
+    }
+
+private:
+    static constexpr std::size_t kMostChanges = 4096;
+    struct Change {
+        UDate time;
+        std::int32_t offset;
+    };
+    const icu::TimeZone& zone_;
+    std::vector<Change> changes_;  // the offset from each time on
+    UDate to_ = 0;
+};
 
 // The fields as the calendar, set to the date, has them.
 std::optional<CalendarDay> dayFromCalendar(icu::Calendar& calendar, UDate date) {
@@ -476,13 +532,13 @@ std::optional<CalendarDay> dayFromCalendar(icu::Calendar& calendar, UDate date) 
     if (U_FAILURE(status)) {
         return std::nullopt;
     }
-    day.midnight = isMidnight(calendar.getTimeZone(), date, millisInDay);
+    day.midnight = Offsets(calendar.getTimeZone()).midnight(date, millisInDay);
     return day;
 }
 
 // The same from the local time alone: days counted into Gregorian years
 // and months.
-std::optional<CalendarDay> dayFromLocalTime(const icu::TimeZone& zone, UDate date,
+std::optional<CalendarDay> dayFromLocalTime(const Offsets& offsets, UDate date,
                                             std::int32_t offset) {
     const std::optional<Date> instant = fromUDate(date);
     if (!instant) {
@@ -509,7 +565,7 @@ std::optional<CalendarDay> dayFromLocalTime(const icu::TimeZone& zone, UDate dat
     day.month = static_cast<int>(shiftedMonth < 10 ? shiftedMonth + 3 : shiftedMonth - 9);
     day.year = static_cast<int>(yearOfEra + era * 400 + (day.month <= 2 ? 1 : 0));
     day.weekday = (day.dayNumber + 1) % 7 + 1;
-    day.midnight = isMidnight(zone, date, local - days * kDayMillis);
+    day.midnight = offsets.midnight(date, local - days * kDayMillis);
     return day;
 }
 
@@ -530,23 +586,24 @@ std::vector<CalendarDay> Dates::calendarDays(Date start, int count) const {
         return days;
     }
     days.reserve(static_cast<std::size_t>(count));
-    const icu::TimeZone& zone = calendar->getTimeZone();
     const UDate first = toUDate(start);
-    const std::optional<std::int32_t> startOffset = offsetAt(zone, first);
+    const Offsets offsets(calendar->getTimeZone(), first - kDayMillis,
+                          first + (count + 1) * kDayMillis);
+    const std::optional<std::int32_t> startOffset = offsets.at(first);
     for (int k = 0; k < count; ++k) {
         // The calendar adds days as whole days of time and then moves back
         // by any change of the zone's offset, so that the clock shows the
         // same time; where that time does not exist on the day, it is left
         // to the calendar itself.
         const UDate moved = first + k * kDayMillis;
-        const std::optional<std::int32_t> movedOffset = offsetAt(zone, moved);
+        const std::optional<std::int32_t> movedOffset = offsets.at(moved);
         std::optional<CalendarDay> day;
         if (startOffset && movedOffset) {
             if (*movedOffset == *startOffset) {
-                day = dayFromLocalTime(zone, moved, *movedOffset);
+                day = dayFromLocalTime(offsets, moved, *movedOffset);
             } else if (const UDate kept = moved + (*startOffset - *movedOffset);
-                       offsetAt(zone, kept) == movedOffset) {
-                day = dayFromLocalTime(zone, kept, *movedOffset);
+                       offsets.at(kept) == movedOffset) {
+                day = dayFromLocalTime(offsets, kept, *movedOffset);
             }
         }
         if (!day) {
@@ -570,9 +627,6 @@ LifeCalendar::LifeCalendar(const Dates& dates, Date birthday) : dates_(dates), b
     }
     birthNoon_ = fromUDate(*noon);
     birthDay_ = *day;
-    if (birthNoon_) {
-        enterYear(0);
-    }
 }
 
 int LifeCalendar::anniversary(int years, int months) const {
@@ -592,16 +646,10 @@ int LifeCalendar::anniversary(int years, int months) const {
 
 void LifeCalendar::enterYear(int years) {
     years_ = years;
+    yearStart_ = anniversary(years, 0);
     nextYear_ = anniversary(years + 1, 0);
     monthStarts_.clear();
-    // A year of whole months can hold a thirteenth: from 28 February, the
-    // first year of a child born on 29 February, to 29 February four years
-    // on.
-    for (int month = 0; month <= 12; ++month) {
-        monthStarts_.push_back(anniversary(years, month));
-    }
-    if (nextYear_ < 0 || monthStarts_.front() < 0 ||
-        std::find(monthStarts_.begin(), monthStarts_.end(), -1) != monthStarts_.end()) {
+    if (yearStart_ < 0 || nextYear_ < 0) {
         birthNoon_.reset();  // the calendar failed: ask it day by day
     }
 }
@@ -610,11 +658,27 @@ std::optional<DateDifference> LifeCalendar::age(const CalendarDay& day) {
     if (!birthNoon_ || day.dayNumber < birthDay_) {
         return dates_.dayDifference(birthday_, day.date);
     }
+    if (nextYear_ == 0) {
+        // No year is shorter than 366 days, so the walk starts at most one
+        // year early.
+        enterYear((day.dayNumber - birthDay_) / 366);
+    }
     while (birthNoon_ && day.dayNumber >= nextYear_) {
         enterYear(years_ + 1);
     }
-    while (birthNoon_ && years_ > 0 && day.dayNumber < monthStarts_.front()) {
+    while (birthNoon_ && years_ > 0 && day.dayNumber < yearStart_) {
         enterYear(years_ - 1);
+    }
+    if (birthNoon_ && monthStarts_.empty()) {
+        // A year of whole months can hold a thirteenth: from 28 February, the
+        // first year of a child born on 29 February, to 29 February four
+        // years on.
+        for (int month = 0; month <= 12; ++month) {
+            monthStarts_.push_back(anniversary(years_, month));
+        }
+        if (std::find(monthStarts_.begin(), monthStarts_.end(), -1) != monthStarts_.end()) {
+            birthNoon_.reset();
+        }
     }
     if (!birthNoon_) {
         return dates_.dayDifference(birthday_, day.date);

@@ -142,7 +142,9 @@ private:
     std::optional<Date> birthNoon_;
     int birthDay_ = 0;
     int years_ = 0;
-    int nextYear_ = 0;              // the day number of the next whole year
+    // The day numbers of this whole year and the next; none yet while 0.
+    int yearStart_ = 0;
+    int nextYear_ = 0;
     std::vector<int> monthStarts_;  // the year's months, from month 0
 };
 

@@ -10,7 +10,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <unordered_map>
 #include <unordered_set>
 
 #include "core/context.h"
@@ -97,6 +96,17 @@ std::string dayText(const core::CalendarDay& day, std::string_view format) {
         length = std::snprintf(text, sizeof text, "%02d", day.day);
     }
     return std::string(text, static_cast<std::size_t>(std::max(length, 0)));
+}
+
+// A column as text, NULL as "", without a copy: valid until the next step.
+std::string_view columnView(const SQLite::Statement& query, int index) {
+    const SQLite::Column column = query.getColumn(index);
+    const char* text = column.getText("");
+    return {text, static_cast<std::size_t>(column.getBytes())};
+}
+
+std::string columnText(const SQLite::Statement& query, int index) {
+    return std::string(columnView(query, index));
 }
 
 struct DayFields {
@@ -408,10 +418,7 @@ void DiaryStore::loadDays(SQLite::Database* db, const std::vector<ListRow>& list
             while (query.executeStep()) {
                 // Rows of one day may differ in a stored time; the day is
                 // what groups them.
-                const SQLite::Column sdat = query.getColumn(0);
-                const std::string_view dayKey =
-                    std::string_view(sdat.getText(""), static_cast<std::size_t>(sdat.getBytes()))
-                        .substr(0, 10);
+                const std::string_view dayKey = columnView(query, 0).substr(0, 10);
                 if (days.empty() || currentDay != dayKey) {
                     if (!days.empty()) {
                         finish();
@@ -428,9 +435,8 @@ void DiaryStore::loadDays(SQLite::Database* db, const std::vector<ListRow>& list
                         opened.dat = calendar->date;
                     }
                 }
-                std::string type = core::stringFromBase(query, 1).value_or("");
-                days.back().values.insert_or_assign(std::move(type),
-                                                    core::stringFromBase(query, 2).value_or(""));
+                // A NULL type or value reads as "".
+                days.back().values.insert_or_assign(columnText(query, 1), columnText(query, 2));
             }
             if (!days.empty()) {
                 finish();

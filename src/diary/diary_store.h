@@ -87,10 +87,13 @@ struct TablePosition {
 // so none of them may run elsewhere. The one exception is the loadNoteData()
 // that takes a connection: it reads only through that connection, writes
 // nothing, and touches no member that changes, so it may run on a worker
-// thread with a connection of its own from DatabaseStore::openConnection()
-// (which waits on a busy file) while the owning thread goes on using the
-// store. What it needs from the owning connection, the list and the child's
-// record, is read there first.
+// thread while the owning thread goes on using the store. Give it a
+// connection of its own from DatabaseStore::openConnection(), which waits on
+// a file busy with a write rather than failing. What it needs from the
+// owning connection, the list and the child's record, is read there first.
+// The dates and the photo listings it uses are kept per thread; the days it
+// fills are plain values to hand back to the owning thread, where
+// updateNoteStrings() builds the texts of a day loaded without them.
 class DiaryStore {
 public:
     // `courses` keeps the medication courses of a saved day in line on the
@@ -112,7 +115,9 @@ public:
     // first measures from one day to the next. With `simple` only the
     // calendar keys are set, and the texts wait until the day is drawn.
     // The day's illness ends on the recovery row of `list`, or where `list`
-    // has none, on the one the last load of the lists met.
+    // has none, on the one the last load of the lists met. A day's texts
+    // cost a few calendar look-ups here; a load works them out for a whole
+    // year at once.
     void updateNoteStrings(DayNote& day, const std::vector<ListRow>& list, SetupRecord& setup,
                            int regim, bool simple) const;
     void correctPhoto(DayNote& day, int regim, std::string_view gid) const;
