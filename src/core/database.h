@@ -73,7 +73,10 @@ public:
     // rows; false when the query fails or the table is empty.
     bool testBaseFile() const;
 
-    // A separate connection for work off the owning thread.
+    // A separate connection for work off the owning thread; nullptr when
+    // the file can't be opened. It never takes the daily copy, and it waits
+    // a few seconds on a file busy with another connection's write instead
+    // of failing at once.
     std::unique_ptr<SQLite::Database> openConnection() const;
 
     // The live file failed its check (at the start, or the first connect of

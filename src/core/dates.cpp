@@ -1,11 +1,15 @@
 #include "core/dates.h"
 
+#include <unicode/basictz.h>
 #include <unicode/calendar.h>
 #include <unicode/gregocal.h>
 #include <unicode/smpdtfmt.h>
 #include <unicode/timezone.h>
+#include <unicode/tzrule.h>
+#include <unicode/tztrans.h>
 #include <unicode/unistr.h>
 
+#include <algorithm>
 #include <cmath>
 #include <memory>
 #include <unordered_map>
@@ -431,6 +435,261 @@ Date Dates::addMonths(Date date, int months) const {
 
 Date Dates::addYears(Date date, int years) const {
     return addField(clock_->timeZoneId(), date, UCAL_YEAR, years);
+}
+
+namespace {
+
+constexpr double kDayMillis = 86400000.0;
+// The running day number of 1 January 1970, and of the first day from which
+// counting the Gregorian calendar's days by hand agrees with ICU's calendar
+// (which is Julian before October 1582).
+constexpr int kEpochDayNumber = 2440588;
+constexpr int kGregorianDayNumber = 2299239;  // 1 January 1583
+// Wider than any change of clocks.
+constexpr double kClockChangeMillis = 3 * 3600000.0;
+
+std::optional<std::int32_t> offsetAt(const icu::TimeZone& zone, UDate date) {
+    std::int32_t raw = 0;
+    std::int32_t dst = 0;
+    UErrorCode status = U_ZERO_ERROR;
+    zone.getOffset(date, false, raw, dst, status);
+    return U_SUCCESS(status) ? std::optional<std::int32_t>(raw + dst) : std::nullopt;
+}
+
+// The zone's offsets over a span of time. Asked for every day of a year, it
+// answers from the zone's few changes of clocks in the span rather than
+// from its rules each time; outside the span, or where the zone can't list
+// its changes, it asks the zone.
+class Offsets {
+public:
+    explicit Offsets(const icu::TimeZone& zone) : zone_(zone) {}
+
+    Offsets(const icu::TimeZone& zone, UDate from, UDate to) : zone_(zone) {
+        const auto* basic = dynamic_cast<const icu::BasicTimeZone*>(&zone);
+        const std::optional<std::int32_t> initial = offsetAt(zone, from);
+        if (basic == nullptr || !initial) {
+            return;
+        }
+        changes_.push_back({from, *initial});
+        icu::TimeZoneTransition transition;
+        UDate base = from;
+        while (basic->getNextTransition(base, false, transition) && transition.getTime() <= to) {
+            const icu::TimeZoneRule* rule = transition.getTo();
+            const std::int32_t offset = rule->getRawOffset() + rule->getDSTSavings();
+            // A change that the zone itself reads otherwise, or a zone that
+            // changes without end, is left to the zone.
+            if (offsetAt(zone, transition.getTime()) != offset || changes_.size() > kMostChanges) {
+                changes_.clear();
+                return;
+            }
+            changes_.push_back({transition.getTime(), offset});
+            base = transition.getTime();
+        }
+        to_ = to;
+    }
+
+    std::optional<std::int32_t> at(UDate date) const {
+        if (changes_.empty() || date < changes_.front().time || date > to_) {
+            return offsetAt(zone_, date);
+        }
+        const auto after =
+            std::upper_bound(changes_.begin(), changes_.end(), date,
+                             [](UDate value, const Change& change) { return value < change.time; });
+        return std::prev(after)->offset;
+    }
+
+    // Whether the date is a day's 00:00 with no change of clocks near it.
+    bool midnight(UDate date, double millisInDay) const {
+        return millisInDay == 0 && at(date - kClockChangeMillis) == at(date + kClockChangeMillis);
+    }
+
+private:
+    static constexpr std::size_t kMostChanges = 4096;
+    struct Change {
+        UDate time;
+        std::int32_t offset;
+    };
+    const icu::TimeZone& zone_;
+    std::vector<Change> changes_;  // the offset from each time on
+    UDate to_ = 0;
+};
+
+// The fields as the calendar, set to the date, has them.
+std::optional<CalendarDay> dayFromCalendar(icu::Calendar& calendar, UDate date) {
+    const std::optional<Date> instant = fromUDate(date);
+    if (!instant || !setTo(calendar, *instant)) {
+        return std::nullopt;
+    }
+    UErrorCode status = U_ZERO_ERROR;
+    CalendarDay day;
+    day.date = *instant;
+    day.dayNumber = calendar.get(UCAL_JULIAN_DAY, status);
+    day.year = calendar.get(UCAL_YEAR, status);
+    day.month = calendar.get(UCAL_MONTH, status) + 1;
+    day.day = calendar.get(UCAL_DATE, status);
+    day.weekday = calendar.get(UCAL_DAY_OF_WEEK, status);
+    const int millisInDay = calendar.get(UCAL_MILLISECONDS_IN_DAY, status);
+    if (U_FAILURE(status)) {
+        return std::nullopt;
+    }
+    day.midnight = Offsets(calendar.getTimeZone()).midnight(date, millisInDay);
+    return day;
+}
+
+// The same from the local time alone: days counted into Gregorian years
+// and months.
+std::optional<CalendarDay> dayFromLocalTime(const Offsets& offsets, UDate date,
+                                            std::int32_t offset) {
+    const std::optional<Date> instant = fromUDate(date);
+    if (!instant) {
+        return std::nullopt;
+    }
+    const double local = date + offset;
+    const double days = std::floor(local / kDayMillis);
+    CalendarDay day;
+    day.date = *instant;
+    day.dayNumber = static_cast<int>(days) + kEpochDayNumber;
+    if (day.dayNumber < kGregorianDayNumber) {
+        return std::nullopt;
+    }
+    // Days into years of 400, then into years starting on 1 March, so that
+    // the leap day comes last.
+    const long z = static_cast<long>(days) + 719468;
+    const long era = z / 146097;
+    const long dayOfEra = z - era * 146097;
+    const long yearOfEra =
+        (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
+    const long dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
+    const long shiftedMonth = (5 * dayOfYear + 2) / 153;
+    day.day = static_cast<int>(dayOfYear - (153 * shiftedMonth + 2) / 5 + 1);
+    day.month = static_cast<int>(shiftedMonth < 10 ? shiftedMonth + 3 : shiftedMonth - 9);
+    day.year = static_cast<int>(yearOfEra + era * 400 + (day.month <= 2 ? 1 : 0));
+    day.weekday = (day.dayNumber + 1) % 7 + 1;
+    day.midnight = offsets.midnight(date, local - days * kDayMillis);
+    return day;
+}
+
+}  // namespace
+
+CalendarDay Dates::calendarDay(Date date) const {
+    icu::Calendar* calendar = calendars.get(clock_->timeZoneId());
+    if (calendar == nullptr) {
+        return CalendarDay{date};
+    }
+    return dayFromCalendar(*calendar, toUDate(date)).value_or(CalendarDay{date});
+}
+
+std::vector<CalendarDay> Dates::calendarDays(Date start, int count) const {
+    std::vector<CalendarDay> days;
+    icu::Calendar* calendar = calendars.get(clock_->timeZoneId());
+    if (calendar == nullptr || count <= 0) {
+        return days;
+    }
+    days.reserve(static_cast<std::size_t>(count));
+    const UDate first = toUDate(start);
+    const Offsets offsets(calendar->getTimeZone(), first - kDayMillis,
+                          first + (count + 1) * kDayMillis);
+    const std::optional<std::int32_t> startOffset = offsets.at(first);
+    for (int k = 0; k < count; ++k) {
+        // The calendar adds days as whole days of time and then moves back
+        // by any change of the zone's offset, so that the clock shows the
+        // same time; where that time does not exist on the day, it is left
+        // to the calendar itself.
+        const UDate moved = first + k * kDayMillis;
+        const std::optional<std::int32_t> movedOffset = offsets.at(moved);
+        std::optional<CalendarDay> day;
+        if (startOffset && movedOffset) {
+            if (*movedOffset == *startOffset) {
+                day = dayFromLocalTime(offsets, moved, *movedOffset);
+            } else if (const UDate kept = moved + (*startOffset - *movedOffset);
+                       offsets.at(kept) == movedOffset) {
+                day = dayFromLocalTime(offsets, kept, *movedOffset);
+            }
+        }
+        if (!day) {
+            const std::optional<UDate> added = plus(*calendar, first, UCAL_DATE, k);
+            day = added ? dayFromCalendar(*calendar, *added) : std::nullopt;
+        }
+        days.push_back(day.value_or(CalendarDay{addDays(start, k)}));
+    }
+    return days;
+}
+
+LifeCalendar::LifeCalendar(const Dates& dates, Date birthday) : dates_(dates), birthday_(birthday) {
+    icu::Calendar* calendar = calendars.get(dates.timeZoneId());
+    if (calendar == nullptr) {
+        return;
+    }
+    const std::optional<UDate> noon = noonOf(*calendar, birthday);
+    const std::optional<std::int32_t> day = noon ? dayNumber(*calendar, *noon) : std::nullopt;
+    if (!noon || !day) {
+        return;
+    }
+    birthNoon_ = fromUDate(*noon);
+    birthDay_ = *day;
+}
+
+int LifeCalendar::anniversary(int years, int months) const {
+    icu::Calendar* calendar = calendars.get(dates_.timeZoneId());
+    if (calendar == nullptr) {
+        return -1;
+    }
+    // Years first and then months from where the years ended, as ages are
+    // counted: a child born on 29 February is a year and a month old on
+    // 28 March.
+    const std::optional<UDate> afterYears = plus(*calendar, toUDate(*birthNoon_), UCAL_YEAR, years);
+    const std::optional<UDate> after =
+        afterYears ? plus(*calendar, *afterYears, UCAL_MONTH, months) : std::nullopt;
+    const std::optional<std::int32_t> day = after ? dayNumber(*calendar, *after) : std::nullopt;
+    return day.value_or(-1);
+}
+
+void LifeCalendar::enterYear(int years) {
+    years_ = years;
+    yearStart_ = anniversary(years, 0);
+    nextYear_ = anniversary(years + 1, 0);
+    monthStarts_.clear();
+    if (yearStart_ < 0 || nextYear_ < 0) {
+        birthNoon_.reset();  // the calendar failed: ask it day by day
+    }
+}
+
+std::optional<DateDifference> LifeCalendar::age(const CalendarDay& day) {
+    if (!birthNoon_ || day.dayNumber < birthDay_) {
+        return dates_.dayDifference(birthday_, day.date);
+    }
+    if (nextYear_ == 0) {
+        // No year is shorter than 366 days, so the walk starts at most one
+        // year early.
+        enterYear((day.dayNumber - birthDay_) / 366);
+    }
+    while (birthNoon_ && day.dayNumber >= nextYear_) {
+        enterYear(years_ + 1);
+    }
+    while (birthNoon_ && years_ > 0 && day.dayNumber < yearStart_) {
+        enterYear(years_ - 1);
+    }
+    if (birthNoon_ && monthStarts_.empty()) {
+        // A year of whole months can hold a thirteenth: from 28 February, the
+        // first year of a child born on 29 February, to 29 February four
+        // years on.
+        for (int month = 0; month <= 12; ++month) {
+            monthStarts_.push_back(anniversary(years_, month));
+        }
+        if (std::find(monthStarts_.begin(), monthStarts_.end(), -1) != monthStarts_.end()) {
+            birthNoon_.reset();
+        }
+    }
+    if (!birthNoon_) {
+        return dates_.dayDifference(birthday_, day.date);
+    }
+    int months = 0;
+    while (months + 1 < static_cast<int>(monthStarts_.size()) &&
+           monthStarts_[static_cast<std::size_t>(months + 1)] <= day.dayNumber) {
+        ++months;
+    }
+    return DateDifference{years_, months,
+                          day.dayNumber - monthStarts_[static_cast<std::size_t>(months)]};
 }
 
 int Dates::lastDateOfMonth(Date date) const {

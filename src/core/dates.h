@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "core/date.h"
 
@@ -41,6 +42,19 @@ struct DateDifference {
     int years = 0;
     int months = 0;
     int days = 0;
+};
+
+// A date with the fields of the day it falls on, for walks over many days.
+struct CalendarDay {
+    Date date{};
+    int dayNumber = 0;  // a running count of days: getDays() is a difference of two
+    int year = 0;
+    int month = 0;  // 1..12
+    int day = 0;
+    int weekday = 0;  // 1 = Sunday .. 7 = Saturday
+    // The date is the day's 00:00, which the clock shows once that day (no
+    // change of clocks near it): the day's "yyyy-MM-dd" reads as this date.
+    bool midnight = false;
 };
 
 // Every date, day and age in the program passes through here: the Gregorian
@@ -87,6 +101,13 @@ public:
 
     int lastDateOfMonth(Date date) const;
 
+    CalendarDay calendarDay(Date date) const;
+    // `count` days from `start` on: the k-th is the date addDays(start, k)
+    // gives, with its fields. A year of days costs about as much as a few
+    // calendar additions, since the days between two changes of clocks are
+    // counted rather than added one by one.
+    std::vector<CalendarDay> calendarDays(Date start, int count) const;
+
     // The dates are taken as they are, times of day included.
     std::optional<DateDifference> difference(Date start, Date end) const;
     // The same between the days the dates fall on, whatever their times.
@@ -98,6 +119,33 @@ public:
 
 private:
     const platform::Clock* clock_;
+};
+
+// Ages on many days from one birthday, as Dates::dayDifference() counts them:
+// the anniversaries are worked out once and the days compared with them, so
+// that a walk over a year of days does no calendar work per day. Keeps state;
+// one per walk and thread.
+class LifeCalendar {
+public:
+    LifeCalendar(const Dates& dates, Date birthday);
+
+    std::optional<DateDifference> age(const CalendarDay& day);
+
+private:
+    // The day number of the birthday moved by whole years, then by whole
+    // months, as the calendar adds them.
+    int anniversary(int years, int months) const;
+    void enterYear(int years);
+
+    const Dates& dates_;
+    Date birthday_;
+    std::optional<Date> birthNoon_;
+    int birthDay_ = 0;
+    int years_ = 0;
+    // The day numbers of this whole year and the next; none yet while 0.
+    int yearStart_ = 0;
+    int nextYear_ = 0;
+    std::vector<int> monthStarts_;  // the year's months, from month 0
 };
 
 }  // namespace tilika::core

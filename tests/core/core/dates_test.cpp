@@ -197,6 +197,58 @@ TEST_F(DatesTest, CountsYearsMonthsAndDaysAsTheCalendarDoes) {
     }
 }
 
+TEST_F(DatesTest, WalksDaysAndAgesAsTheCalendarAddsThem) {
+    // Zones that change clocks at night, at midnight (Santiago, Havana,
+    // Beirut, Sao Paulo until 2019) and by half an hour (Lord Howe).
+    for (const char* zone : {"Europe/Berlin", "America/Santiago", "America/Havana", "Asia/Beirut",
+                             "America/Sao_Paulo", "Australia/Lord_Howe", "Europe/Moscow"}) {
+        clock.setTimeZoneId(zone);
+        for (const char* from : {"2016-02-29 00:00", "2017-10-14 00:30", "2018-11-03 23:30"}) {
+            const Date start = at(from);
+            const std::vector<CalendarDay> days = dates.calendarDays(start, 3 * 365);
+            ASSERT_EQ(days.size(), 3u * 365);
+            for (int k = 0; k < static_cast<int>(days.size()); ++k) {
+                const CalendarDay& walked = days[static_cast<std::size_t>(k)];
+                const Date added = dates.addDays(start, k);
+                ASSERT_EQ(moment(walked.date), moment(added)) << zone << " " << from << " +" << k;
+                const DateParts parts = dates.decodeDate(added);
+                ASSERT_TRUE(walked.year == parts.year && walked.month == parts.month &&
+                            walked.day == parts.day && walked.weekday == parts.weekday)
+                    << zone << " " << moment(added);
+                ASSERT_EQ(walked.dayNumber - days[0].dayNumber, dates.getDays(start, added));
+                if (walked.midnight) {
+                    ASSERT_EQ(dates.dateFromString(day(added)), added) << zone << " " << day(added);
+                }
+            }
+        }
+
+        // Ages of every day of five years, walked forward and then back, for
+        // birthdays at the ends of months.
+        for (const char* birth : {"2016-02-29", "2016-01-31", "2015-03-31", "2016-10-16"}) {
+            const Date birthday = at(birth);
+            const std::vector<CalendarDay> days =
+                dates.calendarDays(dates.addDays(birthday, -3), 5 * 365);
+            LifeCalendar ages(dates, birthday);
+            auto check = [&](const CalendarDay& walked) {
+                const auto expected = dates.dayDifference(birthday, walked.date);
+                const auto age = ages.age(walked);
+                ASSERT_TRUE(age && expected);
+                ASSERT_TRUE(age->years == expected->years && age->months == expected->months &&
+                            age->days == expected->days)
+                    << zone << " " << birth << " on " << day(walked.date) << ": " << age->years
+                    << "/" << age->months << "/" << age->days << " against " << expected->years
+                    << "/" << expected->months << "/" << expected->days;
+            };
+            for (const CalendarDay& walked : days) {
+                check(walked);
+            }
+            for (auto walked = days.rbegin(); walked != days.rend(); ++walked) {
+                check(*walked);
+            }
+        }
+    }
+}
+
 TEST_F(DatesTest, SaysTheAgeAsAPhrase) {
     const Date birth = at("2025-08-19");
     auto age = [&](std::string_view end, bool noempty = false, bool nodays = false) {

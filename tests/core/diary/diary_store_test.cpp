@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <sstream>
+#include <thread>
 
 #include "core/ids.h"
 #include "diary/day_rows.h"
@@ -175,6 +177,93 @@ TEST_F(DiaryStoreTest, FindsPhotosAndKeepsDaysThatHaveOne) {
     ASSERT_EQ(report.size(), 1u);
     EXPECT_EQ(report[0].photopath, report[0].photopath2);
     EXPECT_EQ(report[0].day, "05.02.2026 четверг");
+}
+
+TEST_F(DiaryStoreTest, SeesPhotosThatComeAndGoBetweenLoads) {
+    const std::string gid = addChild("2026-01-10");
+    const auto documents = folders.path(platform::SystemFolder::Document);
+    const fs::path photo = documents / "picture" / (gid + "-05-02-2026.jpg");
+    const fs::path thumbnail = documents / "picture-s" / (gid + "-05-02-2026-s.jpg");
+    std::ofstream(photo) << "photo";
+    std::ofstream(documents / "picture" / "other-05-02-2026.jpg") << "another child";
+    // Folders untouched for a while, whose listing a load may keep.
+    const auto settle = [&] {
+        for (const char* folder : {"picture", "picture-s"}) {
+            fs::last_write_time(documents / folder,
+                                fs::file_time_type::clock::now() - std::chrono::hours(1));
+        }
+    };
+    const auto photoDays = [&] {
+        std::vector<std::string> found;
+        for (const DayNote& d : load(loadregim::everyDay, 1, gid)) {
+            if (d.flags.isphoto) {
+                found.push_back(day(d.dat));
+            }
+        }
+        return found;
+    };
+    using Days = std::vector<std::string>;
+
+    settle();
+    EXPECT_EQ(photoDays(), Days{});
+    std::ofstream(thumbnail) << "thumb";
+    EXPECT_EQ(photoDays(), Days{"2026-02-05"});
+    settle();
+    EXPECT_EQ(photoDays(), Days{"2026-02-05"});
+    fs::remove(thumbnail);
+    EXPECT_EQ(photoDays(), Days{});
+
+    // A link counts when what it leads to is there, which can change with
+    // the folder left as it was.
+    fs::create_symlink(dir.path() / "gone.jpg", thumbnail);
+    settle();
+    EXPECT_EQ(photoDays(), Days{});
+    std::ofstream(dir.path() / "gone.jpg") << "thumb";
+    EXPECT_EQ(photoDays(), Days{"2026-02-05"});
+    EXPECT_TRUE(store.todayNoteForDay(at("2026-02-05"), gid).flags.isphoto);
+}
+
+TEST_F(DiaryStoreTest, AYearAcrossChangesOfClocksHasEachDayOnceWithItsTexts) {
+    // Chile moves its clocks at midnight: 5 April 2026 back, 6 September
+    // forward, so that day starts at 01:00.
+    clock.setTimeZoneId("America/Santiago");
+    clock.set(at("2026-11-22 10:00"));
+    const std::string gid = addChild("2024-02-29");
+    put(gid, "2026-04-05", "note", "часы назад");
+    put(gid, "2026-09-06", "note", "часы вперед");
+    put(gid, "2026-09-07", "bolezn", illGuid);
+
+    const auto year = load(loadregim::everyDay, 3, gid);
+    ASSERT_EQ(year.size(), 365u);
+    std::vector<ListRow> list;
+    store.lists().loadConstList(list, cotype::all, "");
+    SetupRecord setup = profiles.loadSetupData(gid);
+    for (std::size_t k = 0; k < year.size(); ++k) {
+        const DayNote& loaded = year[k];
+        ASSERT_TRUE(loaded.dat);
+        EXPECT_EQ(dates.dateToString(loaded.dat, core::formats::moment),
+                  dates.dateToString(dates.addDays(*year.front().dat, static_cast<int>(k)),
+                                     core::formats::moment));
+        // The texts of the day on its own.
+        DayNote alone;
+        alone.dat = loaded.dat;
+        alone.values = loaded.values;
+        store.updateNoteStrings(alone, list, setup, loadregim::everyDay, false);
+        ASSERT_TRUE(alone.day == loaded.day && alone.weekday == loaded.weekday &&
+                    alone.year == loaded.year && alone.month == loaded.month &&
+                    alone.group == loaded.group && alone.flags.istoday == loaded.flags.istoday)
+            << day(loaded.dat) << ": " << loaded.day << " " << loaded.weekday << " " << loaded.group
+            << " against " << alone.day << " " << alone.weekday << " " << alone.group;
+    }
+    EXPECT_EQ(day(year.front().dat), "2026-03-01");  // no 29 February this year
+    EXPECT_EQ(find(year, "2026-04-05")->value("note"), "часы назад");
+    EXPECT_EQ(find(year, "2026-09-06")->value("note"), "часы вперед");
+    EXPECT_EQ(*find(year, "2026-09-06")->dat, at("2026-09-06"));
+    EXPECT_EQ(find(year, "2026-09-08")->color, kIllnessNote);
+    // Two years end on 28 February this year, and the next month of life
+    // counts from there.
+    EXPECT_EQ(find(year, "2026-03-27")->group, 25);
+    EXPECT_EQ(find(year, "2026-03-28")->group, 26);
 }
 
 TEST_F(DiaryStoreTest, GroupsDaysByMonthOfLife) {
@@ -366,6 +455,52 @@ TEST_F(DiaryStoreTest, MovesDiaryDaysButNotFeedings) {
     EXPECT_TRUE(store.moveDates(false));
     EXPECT_TRUE(store.moveDates(false));
     EXPECT_EQ(queryText("select sdat from childdata"), "2026-02-28");
+}
+
+// Everything a screen shows of a day, as one text to compare.
+std::string describe(const std::vector<DayNote>& days, const core::Dates& dates) {
+    std::ostringstream out;
+    for (const DayNote& d : days) {
+        out << dates.dateToString(d.dat, core::formats::moment) << " " << d.day << " " << d.weekday
+            << " " << d.year << "/" << d.month << "/" << d.group << " " << d.compliteOK
+            << d.flags.istoday << d.flags.isphoto << d.flags.isbolezn << d.flags.isdieta << " "
+            << d.color.r << "," << d.color.a << " " << d.photopath << " " << d.photopath2;
+        for (const auto& [type, value] : d.values) {
+            out << " " << type << "=" << value;
+        }
+        out << "\n";
+    }
+    return out.str();
+}
+
+TEST_F(DiaryStoreTest, AWorkerWithItsOwnConnectionLoadsTheSameDays) {
+    const std::string gid = addChild("2025-01-10", "3.4");
+    put(gid, "2025-12-20", "bolezn", illGuid);
+    put(gid, "2026-01-15", "bolezn", recoveryGuid);
+    put(gid, "2026-02-01", "dieta", "5");
+    put(gid, "2026-03-10", "ves", "9.1");
+    put(gid, "2026-11-22", "note", "сегодня");
+    const auto documents = folders.path(platform::SystemFolder::Document);
+    std::ofstream(documents / "picture" / (gid + "-05-02-2026.jpg")) << "photo";
+    std::ofstream(documents / "picture-s" / (gid + "-05-02-2026-s.jpg")) << "thumb";
+
+    // What the screen reads on its own thread before it hands the load over.
+    std::vector<ListRow> list;
+    store.lists().loadConstList(list, cotype::all, "");
+    const SetupRecord setup = profiles.loadSetupData(gid);
+
+    for (const int regim : {loadregim::everyDay, loadregim::withoutEmptyDays}) {
+        const std::string ordinary = describe(load(regim, 2, gid), dates);
+        std::vector<DayNote> days;
+        std::thread worker([&] {
+            const auto connection = database.openConnection();
+            ASSERT_NE(connection, nullptr);
+            store.loadNoteData(*connection, list, setup, days, regim, 2, at("2026-11-22"), gid);
+        });
+        worker.join();
+        EXPECT_GT(days.size(), 1u);
+        EXPECT_EQ(describe(days, dates), ordinary) << regim;
+    }
 }
 
 TEST_F(DiaryStoreTest, AYearWindowReadsOnlyThatChildsDays) {
