@@ -42,6 +42,7 @@ public:
     void strokePath(const Path& path, const Color& color, double width) override;
     void fillPath(const Path& path, const Color& color) override;
     void drawImage(std::string_view picture, const Rect& rect, double opacity = 1) override;
+    void drawImageFile(std::string_view path, const Rect& rect, double opacity = 1) override;
     void save() override;
     void restore() override;
     void clip(const Rect& rect) override;
