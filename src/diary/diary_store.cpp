@@ -61,6 +61,18 @@ std::string withGain(double value, double base, int decimals) {
     return text + (gain > 0 ? " (+" : " (") + core::formatFixed(gain, decimals) + ")";
 }
 
+// The row of the illness list that ends an illness; "" when the list has
+// none. The last one counts, as when the lists are read.
+std::string recoveryOf(const std::vector<ListRow>& list) {
+    std::string found;
+    for (const ListRow& row : list) {
+        if (row.deleted == rowstate::recovery && row.tp == cotype::illnesses) {
+            found = row.index;
+        }
+    }
+    return found;
+}
+
 }  // namespace
 
 std::string DayNote::value(std::string_view type) const {
@@ -89,30 +101,44 @@ DiaryStore::Window DiaryStore::yearOfLife(core::Date birthday, int year) const {
 }
 
 void DiaryStore::carryOver(SQLite::Database& db, SetupRecord& setup, core::Date start,
-                           std::string_view gid) const {
+                           std::string_view gid, std::string_view recovery) const {
     DayRows rows(db, context_.dates);
     const std::string illness = rows.getLastDateValue(start, kIllness, gid);
     const std::string diet = rows.getLastDateValue(start, kDiet, gid);
-    setup.isbolezn = !illness.empty() && illness != lists_.boleznId();
+    setup.isbolezn = !illness.empty() && illness != recovery;
     setup.isdieta = !diet.empty() && diet != kDietOver;
 }
 
-DayNote DiaryStore::emptyDay(core::Date dat, const std::vector<ListRow>& list, SetupRecord& setup,
-                             int regim, bool simple, std::string_view gid) const {
+DayNote DiaryStore::emptyDay(core::Date dat, SetupRecord& setup, int regim, bool simple,
+                             std::string_view gid, std::string_view recovery) const {
     DayNote day;
     day.dat = dat;
     correctPhoto(day, regim, gid);
-    updateNoteStrings(day, list, setup, regim, simple);
+    noteStrings(day, setup, regim, simple, recovery);
     return day;
 }
 
 void DiaryStore::loadNoteData(std::vector<DayNote>& target, int regim, int year, core::Date date,
                               std::string_view gid) {
-    const core::Dates& dates = context_.dates;
-    target.clear();
     std::vector<ListRow> list;
     lists_.loadConstList(list, cotype::all, "");
     SetupRecord setup = Profiles(context_).loadSetupData(gid);
+    loadDays(context_.database.connectToBase(), list, std::move(setup), target, regim, year, date,
+             gid);
+}
+
+void DiaryStore::loadNoteData(SQLite::Database& db, const std::vector<ListRow>& list,
+                              SetupRecord setup, std::vector<DayNote>& target, int regim, int year,
+                              core::Date date, std::string_view gid) const {
+    loadDays(&db, list, std::move(setup), target, regim, year, date, gid);
+}
+
+void DiaryStore::loadDays(SQLite::Database* db, const std::vector<ListRow>& list, SetupRecord setup,
+                          std::vector<DayNote>& target, int regim, int year, core::Date date,
+                          std::string_view gid) const {
+    const core::Dates& dates = context_.dates;
+    target.clear();
+    const std::string recovery = recoveryOf(list);
     if (year >= 2) {
         // In later years the gain counts from the year's first measure.
         setup.ves = "0";
@@ -134,11 +160,10 @@ void DiaryStore::loadNoteData(std::vector<DayNote>& target, int regim, int year,
         window = yearOfLife(birthday, year);
     }
 
-    SQLite::Database* db = context_.database.connectToBase();
     std::vector<DayNote> days;
     if (db != nullptr) {
         if (full) {
-            carryOver(*db, setup, window.start, gid);
+            carryOver(*db, setup, window.start, gid, recovery);
         }
         core::runGuarded("loadNoteData", [&] {
             SQLite::Statement query(
@@ -157,7 +182,7 @@ void DiaryStore::loadNoteData(std::vector<DayNote>& target, int regim, int year,
                 if (!currentDay || *currentDay != dayKey) {
                     if (currentDay) {
                         DayNote& finished = days.back();
-                        updateNoteStrings(finished, list, setup, regim, simple);
+                        noteStrings(finished, setup, regim, simple, recovery);
                         if (full) {
                             correctPhoto(finished, regim, gid);
                         }
@@ -170,7 +195,7 @@ void DiaryStore::loadNoteData(std::vector<DayNote>& target, int regim, int year,
                 days.back().values[type] = core::stringFromBase(query, 2).value_or("");
             }
             if (currentDay) {
-                updateNoteStrings(days.back(), list, setup, regim, simple);
+                noteStrings(days.back(), setup, regim, simple, recovery);
                 if (full) {
                     correctPhoto(days.back(), regim, gid);
                 }
@@ -184,14 +209,14 @@ void DiaryStore::loadNoteData(std::vector<DayNote>& target, int regim, int year,
         // A second walk fills the gaps, so that the illness of a day with an
         // entry runs on over the empty days after it.
         if (db != nullptr) {
-            carryOver(*db, setup, window.start, gid);
+            carryOver(*db, setup, window.start, gid, recovery);
         }
         const int length = dates.getDays(window.start, window.end);
         int next = 0;
         auto fillUpTo = [&](int offset) {
             for (; next < offset; ++next) {
-                DayNote empty =
-                    emptyDay(dates.addDays(window.start, next), list, setup, regim, simple, gid);
+                DayNote empty = emptyDay(dates.addDays(window.start, next), setup, regim, simple,
+                                         gid, recovery);
                 if (regim == loadregim::everyDay || empty.flags.isphoto) {
                     target.push_back(std::move(empty));
                 }
@@ -206,7 +231,7 @@ void DiaryStore::loadNoteData(std::vector<DayNote>& target, int regim, int year,
             next = std::max(next, offset + 1);
             setup.isbolezn = day.flags.isbolezn;
             setup.isdieta = day.flags.isdieta;
-            if (!day.value(kIllness).empty() && day.value(kIllness) == lists_.boleznId()) {
+            if (!day.value(kIllness).empty() && day.value(kIllness) == recovery) {
                 setup.isbolezn = false;
             }
             if (day.value(kDiet) == kDietOver) {
@@ -223,15 +248,21 @@ void DiaryStore::loadNoteData(std::vector<DayNote>& target, int regim, int year,
         } else {
             DayNote empty;
             empty.dat = date;
-            updateNoteStrings(empty, list, setup, regim, simple);
+            noteStrings(empty, setup, regim, simple, recovery);
             correctPhoto(empty, regim, gid);
             target.push_back(std::move(empty));
         }
     }
 }
 
-void DiaryStore::updateNoteStrings(DayNote& day, const std::vector<ListRow>& /*list*/,
+void DiaryStore::updateNoteStrings(DayNote& day, const std::vector<ListRow>& list,
                                    SetupRecord& setup, int regim, bool simple) const {
+    const std::string recovery = recoveryOf(list);
+    noteStrings(day, setup, regim, simple, recovery.empty() ? lists_.boleznId() : recovery);
+}
+
+void DiaryStore::noteStrings(DayNote& day, SetupRecord& setup, int regim, bool simple,
+                             std::string_view recovery) const {
     const core::Dates& dates = context_.dates;
     day.color = kNeutralNote;
     if (!day.dat) {
@@ -257,9 +288,9 @@ void DiaryStore::updateNoteStrings(DayNote& day, const std::vector<ListRow>& /*l
     // Illness runs from day to day; the recovery day ends it, keeps its mark
     // and is not coloured.
     const std::string illness = day.value(kIllness);
-    const bool recovery = !illness.empty() && illness == lists_.boleznId();
-    bool ill = setup.isbolezn.value_or(false) || (!illness.empty() && !recovery);
-    if (recovery) {
+    const bool recovered = !illness.empty() && illness == recovery;
+    bool ill = setup.isbolezn.value_or(false) || (!illness.empty() && !recovered);
+    if (recovered) {
         day.flags.isbolezn = true;
         setup.isbolezn = false;
     } else {

@@ -79,6 +79,18 @@ struct TablePosition {
 };
 
 // Reading and writing the diary's days.
+//
+// Threads: the store belongs to the thread that owns the context's database
+// (the UI thread). Every call reaches that connection through
+// connectToBase(), which also takes the daily copy, and the store keeps
+// state of its own (the reference lists, the date of the last value found),
+// so none of them may run elsewhere. The one exception is the loadNoteData()
+// that takes a connection: it reads only through that connection, writes
+// nothing, and touches no member that changes, so it may run on a worker
+// thread with a connection of its own from DatabaseStore::openConnection()
+// (which waits on a busy file) while the owning thread goes on using the
+// store. What it needs from the owning connection, the list and the child's
+// record, is read there first.
 class DiaryStore {
 public:
     // `courses` keeps the medication courses of a saved day in line on the
@@ -89,9 +101,18 @@ public:
     // childhood for the measures), in date order, as `regim` asks.
     void loadNoteData(std::vector<DayNote>& target, int regim, int year, core::Date date,
                       std::string_view gid);
+    // The same load through the caller's connection, safe on a worker
+    // thread. `list` is the whole reference list (cotype::all, which holds
+    // the row that ends an illness) and `setup` the child's record, both as
+    // read on the owning thread.
+    void loadNoteData(SQLite::Database& db, const std::vector<ListRow>& list, SetupRecord setup,
+                      std::vector<DayNote>& target, int regim, int year, core::Date date,
+                      std::string_view gid) const;
     // The day's derived keys. `setup` carries the running illness and the
     // first measures from one day to the next. With `simple` only the
     // calendar keys are set, and the texts wait until the day is drawn.
+    // The day's illness ends on the recovery row of `list`, or where `list`
+    // has none, on the one the last load of the lists met.
     void updateNoteStrings(DayNote& day, const std::vector<ListRow>& list, SetupRecord& setup,
                            int regim, bool simple) const;
     void correctPhoto(DayNote& day, int regim, std::string_view gid) const;
@@ -136,10 +157,15 @@ private:
         core::Date end;
     };
     Window yearOfLife(core::Date birthday, int year) const;
-    void carryOver(SQLite::Database& db, SetupRecord& setup, core::Date start,
-                   std::string_view gid) const;
-    DayNote emptyDay(core::Date dat, const std::vector<ListRow>& list, SetupRecord& setup,
-                     int regim, bool simple, std::string_view gid) const;
+    void loadDays(SQLite::Database* db, const std::vector<ListRow>& list, SetupRecord setup,
+                  std::vector<DayNote>& target, int regim, int year, core::Date date,
+                  std::string_view gid) const;
+    void carryOver(SQLite::Database& db, SetupRecord& setup, core::Date start, std::string_view gid,
+                   std::string_view recovery) const;
+    void noteStrings(DayNote& day, SetupRecord& setup, int regim, bool simple,
+                     std::string_view recovery) const;
+    DayNote emptyDay(core::Date dat, SetupRecord& setup, int regim, bool simple,
+                     std::string_view gid, std::string_view recovery) const;
 
     core::Context& context_;
     const CoursesOfDay& courses_;

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <sstream>
+#include <thread>
 
 #include "core/ids.h"
 #include "diary/day_rows.h"
@@ -366,6 +368,52 @@ TEST_F(DiaryStoreTest, MovesDiaryDaysButNotFeedings) {
     EXPECT_TRUE(store.moveDates(false));
     EXPECT_TRUE(store.moveDates(false));
     EXPECT_EQ(queryText("select sdat from childdata"), "2026-02-28");
+}
+
+// Everything a screen shows of a day, as one text to compare.
+std::string describe(const std::vector<DayNote>& days, const core::Dates& dates) {
+    std::ostringstream out;
+    for (const DayNote& d : days) {
+        out << dates.dateToString(d.dat, core::formats::moment) << " " << d.day << " " << d.weekday
+            << " " << d.year << "/" << d.month << "/" << d.group << " " << d.compliteOK
+            << d.flags.istoday << d.flags.isphoto << d.flags.isbolezn << d.flags.isdieta << " "
+            << d.color.r << "," << d.color.a << " " << d.photopath << " " << d.photopath2;
+        for (const auto& [type, value] : d.values) {
+            out << " " << type << "=" << value;
+        }
+        out << "\n";
+    }
+    return out.str();
+}
+
+TEST_F(DiaryStoreTest, AWorkerWithItsOwnConnectionLoadsTheSameDays) {
+    const std::string gid = addChild("2025-01-10", "3.4");
+    put(gid, "2025-12-20", "bolezn", illGuid);
+    put(gid, "2026-01-15", "bolezn", recoveryGuid);
+    put(gid, "2026-02-01", "dieta", "5");
+    put(gid, "2026-03-10", "ves", "9.1");
+    put(gid, "2026-11-22", "note", "сегодня");
+    const auto documents = folders.path(platform::SystemFolder::Document);
+    std::ofstream(documents / "picture" / (gid + "-05-02-2026.jpg")) << "photo";
+    std::ofstream(documents / "picture-s" / (gid + "-05-02-2026-s.jpg")) << "thumb";
+
+    // What the screen reads on its own thread before it hands the load over.
+    std::vector<ListRow> list;
+    store.lists().loadConstList(list, cotype::all, "");
+    const SetupRecord setup = profiles.loadSetupData(gid);
+
+    for (const int regim : {loadregim::everyDay, loadregim::withoutEmptyDays}) {
+        const std::string ordinary = describe(load(regim, 2, gid), dates);
+        std::vector<DayNote> days;
+        std::thread worker([&] {
+            const auto connection = database.openConnection();
+            ASSERT_NE(connection, nullptr);
+            store.loadNoteData(*connection, list, setup, days, regim, 2, at("2026-11-22"), gid);
+        });
+        worker.join();
+        EXPECT_GT(days.size(), 1u);
+        EXPECT_EQ(describe(days, dates), ordinary) << regim;
+    }
 }
 
 TEST_F(DiaryStoreTest, AYearWindowReadsOnlyThatChildsDays) {
