@@ -2,6 +2,7 @@
 
 #include <QDialog>
 #include <QEvent>
+#include <QFutureWatcher>
 #include <QHBoxLayout>
 #include <QImageReader>
 #include <QLabel>
@@ -12,9 +13,11 @@
 #include <QTimer>
 #include <QToolButton>
 #include <QVBoxLayout>
+#include <QtConcurrent/QtConcurrentRun>
 
 #include "core/app_state.h"
 #include "core/context.h"
+#include "core/database.h"
 #include "core/dates.h"
 #include "core/settings_keys.h"
 #include "diary/day_deletion.h"
@@ -180,7 +183,12 @@ note::note(NoteServices services, QWidget* parent)
     layout->addWidget(pages_, 1);
 }
 
-note::~note() = default;
+note::~note() {
+    // A load still running reads through this page's store.
+    for (auto* watcher : findChildren<QFutureWatcher<Loaded>*>()) {
+        watcher->waitForFinished();
+    }
+}
 
 void note::applyLook() {
     core::AppState& state = services_.context.state;
@@ -250,22 +258,34 @@ void note::prepare(const std::string& gid, bool anew) {
 }
 
 void note::startLoad() {
-    // The spinner must come up before the work starts, so the work waits
-    // for the next turn of the event loop.
+    core::Context& context = services_.context;
     const int generation = generation_;
     const std::string gid = gid_;
     const int regim = year_.noteReg;
     const int year = gyear_;
-    QTimer::singleShot(0, this, [this, generation, gid, regim, year] {
-        if (generation != generation_) {
-            return;
-        }
-        Loaded result;
-        store_.loadNoteData(result.days, regim, year, services_.context.dates.now(), gid);
-        store_.lists().loadConstList(result.list, cotype::all, "");
-        result.setup = Profiles(services_.context).loadSetupData(gid);
-        finishLoad(generation, std::move(result));
+    const core::Date now = context.dates.now();
+    // What the load needs of the owning connection is read here; the year's
+    // rows are read on a worker with a connection of its own, while the
+    // spinner turns.
+    Loaded prepared;
+    store_.lists().loadConstList(prepared.list, cotype::all, "");
+    prepared.setup = Profiles(context).loadSetupData(gid);
+    auto* watcher = new QFutureWatcher<Loaded>(this);
+    connect(watcher, &QFutureWatcherBase::finished, this, [this, watcher, generation] {
+        finishLoad(generation, watcher->future().takeResult());
+        watcher->deleteLater();
     });
+    const DiaryStore& store = store_;
+    const core::DatabaseStore& database = context.database;
+    watcher->setFuture(QtConcurrent::run(
+        [&store, &database, result = std::move(prepared), regim, year, now, gid]() mutable {
+            // A diary that won't open shows as a year without days.
+            if (const auto connection = database.openConnection()) {
+                store.loadNoteData(*connection, result.list, result.setup, result.days, regim, year,
+                                   now, gid);
+            }
+            return std::move(result);
+        }));
 }
 
 void note::finishLoad(int generation, Loaded result) {
