@@ -120,7 +120,14 @@ public:
     void waitLoaded() {
         watch_->arm();
         while (page_->generating() || !watch_->painted()) {
-            QCoreApplication::processEvents(QEventLoop::AllEvents);
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        }
+    }
+
+    // Waits until the days beyond the first screen are laid out too.
+    void settle() {
+        while (!page_->laidOut()) {
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
         }
     }
 
@@ -129,7 +136,7 @@ public:
         watch_->arm();
         page_->findChild<QAbstractButton*>(QStringLiteral("searchButton"))->click();
         while (!watch_->painted()) {
-            QCoreApplication::processEvents(QEventLoop::AllEvents);
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
         }
     }
 
@@ -153,11 +160,17 @@ void BM_DiaryScreenOpenYear(benchmark::State& state) {
     bench::sample().context().settings.setBool(core::keys::emptyNote, state.range(0) == 1);
     Screen& s = screen();
     s.open(false);  // the setting takes effect, outside the measure
+    s.settle();
     StallMeter stall;
     for (auto _ : state) {
         stall.start();
         s.open(false);
+        // The rest of the year is laid out on the worker after the first
+        // paint, outside the measure; the stall meter still sees it.
+        state.PauseTiming();
+        s.settle();
         stall.stop();
+        state.ResumeTiming();
     }
     state.counters["days"] = static_cast<double>(s.page().year().mainData.size());
     state.counters["ui_stall_ms"] = stall.longestMs();
@@ -167,6 +180,7 @@ void BM_DiaryScreenSearch(benchmark::State& state, const char* text) {
     bench::sample().context().settings.setBool(core::keys::emptyNote, false);
     Screen& s = screen();
     s.open(false);
+    s.settle();
     StallMeter stall;
     for (auto _ : state) {
         stall.start();

@@ -4,12 +4,16 @@
 #include <QEvent>
 #include <QFutureWatcher>
 #include <QHBoxLayout>
+#include <QImage>
 #include <QImageReader>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPointer>
 #include <QProgressBar>
+#include <QPromise>
 #include <QScrollBar>
 #include <QStackedWidget>
+#include <QStyle>
 #include <QTimer>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -22,6 +26,7 @@
 #include "core/settings_keys.h"
 #include "diary/day_deletion.h"
 #include "diary/diary_search.h"
+#include "diary/table_days.h"
 #include "diary/profiles.h"
 #include "frame/elided_label.h"
 #include "frame/form_shared.h"
@@ -75,12 +80,43 @@ QToolButton* textButton(const QString& text, const char* name, QWidget* parent) 
     return button;
 }
 
+// The days a table opens on: around the day it scrolls to, `focus` or else
+// the last day up to today.
+std::pair<std::size_t, std::size_t> firstShown(const std::vector<DayNote>& days,
+                                               std::optional<core::Date> focus, core::Date now,
+                                               const core::Dates& dates) {
+    constexpr std::size_t kAbove = 8;
+    constexpr std::size_t kBelow = 24;
+    std::size_t at = 0;
+    std::optional<std::size_t> focused;
+    for (std::size_t i = 0; i < days.size(); ++i) {
+        if (!days[i].dat) {
+            continue;
+        }
+        if (dates.getDays(*days[i].dat, now) >= 0) {
+            at = i;
+        }
+        if (focus && !focused && dates.getDays(*days[i].dat, *focus) == 0) {
+            focused = i;
+        }
+    }
+    at = focused.value_or(at);
+    return {at > kAbove ? at - kAbove : 0, std::min(days.size(), at + kBelow)};
+}
+
 }  // namespace
 
 struct note::Loaded {
     std::vector<DayNote> days;
     std::vector<ListRow> list;
     SetupRecord setup;
+    TableDays table;
+    std::vector<int> heights;
+    int width = 0;
+    // The first part of a load brings the days, laid out where the table
+    // opens; the rest, when it comes, brings them all laid out.
+    bool rest = false;
+    bool complete = true;
 };
 
 note::note(NoteServices services, QWidget* parent)
@@ -144,7 +180,7 @@ note::note(NoteServices services, QWidget* parent)
     pages_ = new QStackedWidget(this);
     model_ = new NoteModel(year_, this);
     table_ = new NoteListView(pages_);
-    delegate_ = new NoteDelegate(store_, services_.pictures, *model_, table_);
+    delegate_ = new NoteDelegate(services_.pictures, *model_, table_);
     table_->setModel(model_);
     table_->setItemDelegate(delegate_);
     connect(table_, &NoteListView::rowClicked, this, &note::editNote);
@@ -185,7 +221,8 @@ note::note(NoteServices services, QWidget* parent)
 
 note::~note() {
     // A load still running reads through this page's store.
-    for (auto* watcher : findChildren<QFutureWatcher<Loaded>*>()) {
+    for (auto* watcher : findChildren<QFutureWatcher<std::shared_ptr<Loaded>>*>()) {
+        watcher->cancel();
         watcher->waitForFinished();
     }
 }
@@ -240,6 +277,9 @@ void note::prepare(const std::string& gid, bool anew) {
     }
     generating_ = true;
     ++generation_;
+    if (loading_ != nullptr) {
+        loading_->cancel();  // what is left of it is of no use
+    }
     gid_ = gid;
     core::Context& context = services_.context;
     year_.noteReg = context.settings.boolValue(core::keys::emptyNote) ? loadregim::withoutEmptyDays
@@ -266,39 +306,137 @@ void note::startLoad() {
     const core::Date now = context.dates.now();
     // What the load needs of the owning connection is read here; the year's
     // rows are read on a worker with a connection of its own, while the
-    // spinner turns.
+    // spinner turns. The worker also lays every day out for the table and
+    // the search, so that showing the year is only a layout of known sizes.
     Loaded prepared;
     store_.lists().loadConstList(prepared.list, cotype::all, "");
     prepared.setup = Profiles(context).loadSetupData(gid);
-    auto* watcher = new QFutureWatcher<Loaded>(this);
-    connect(watcher, &QFutureWatcherBase::finished, this, [this, watcher, generation] {
-        finishLoad(generation, watcher->future().takeResult());
-        watcher->deleteLater();
+    prepared.width = expectedRowWidth();
+    // The days are measured on an image of the table's resolution: a widget
+    // is no paint device away from the UI thread.
+    QImage device(1, 1, QImage::Format_ARGB32_Premultiplied);
+    const int dotsPerMeter = qRound(table_->viewport()->logicalDpiY() / 0.0254);
+    device.setDotsPerMeterX(dotsPerMeter);
+    device.setDotsPerMeterY(dotsPerMeter);
+    auto* watcher = new QFutureWatcher<std::shared_ptr<Loaded>>(this);
+    connect(watcher, &QFutureWatcherBase::resultReadyAt, this, [this, watcher, generation](int i) {
+        finishLoad(generation, *watcher->future().resultAt(i));
     });
+    connect(watcher, &QFutureWatcherBase::finished, watcher, &QObject::deleteLater);
+    loading_ = watcher;
     const DiaryStore& store = store_;
     const core::DatabaseStore& database = context.database;
+    const core::Dates& dates = context.dates;
+    const std::optional<core::Date> focus = searchText_.isEmpty() ? lastDic_ : std::nullopt;
+    const bool whole = !searchText_.isEmpty();
     watcher->setFuture(QtConcurrent::run(
-        [&store, &database, result = std::move(prepared), regim, year, now, gid]() mutable {
+        [&store, &database, &dates, result = std::move(prepared), regim, year, now, gid, device,
+         focus, whole](QPromise<std::shared_ptr<Loaded>>& promise) mutable {
             // A diary that won't open shows as a year without days.
             if (const auto connection = database.openConnection()) {
                 store.loadNoteData(*connection, result.list, result.setup, result.days, regim, year,
                                    now, gid);
             }
-            return std::move(result);
+            completeDays(store, result.days, result.list, result.setup, regim);
+            const std::size_t count = result.days.size();
+            result.table.rows.resize(count);
+            result.table.search.resize(count);
+            result.heights.assign(count, -1);
+            std::vector<CatalogueRow> catalogue;
+            const platform::QtCanvas measure(device);
+            const auto layOut = [&](std::size_t i) {
+                layOutDay(store, result.days[i], result.list, catalogue, result.table.rows[i],
+                          result.table.search[i]);
+                result.heights[i] = NoteDelegate::dayHeight(result.days[i], result.table.rows[i],
+                                                            result.width, measure);
+            };
+            // Laying out and measuring a year is most of its load. The days the
+            // table opens on go first, and the table shows with the others at
+            // a likely height; they follow while the table is already in use.
+            const auto [begin, end] = whole ? std::pair<std::size_t, std::size_t>{0, count}
+                                            : firstShown(result.days, focus, now, dates);
+            for (std::size_t i = begin; i < end; ++i) {
+                layOut(i);
+            }
+            if (end - begin < count) {
+                auto first = std::make_shared<Loaded>(result);
+                first->complete = false;
+                int sum = 0;
+                for (std::size_t i = begin; i < end; ++i) {
+                    sum += result.heights[i];
+                }
+                const int likely = end > begin ? sum / static_cast<int>(end - begin) : 64;
+                for (int& height : first->heights) {
+                    height = height < 0 ? likely : height;
+                }
+                promise.addResult(std::move(first));
+                for (std::size_t i = 0; i < count; ++i) {
+                    if ((i < begin || i >= end) && !promise.isCanceled()) {
+                        layOut(i);
+                    }
+                }
+                result.rest = true;
+            }
+            promise.addResult(std::make_shared<Loaded>(std::move(result)));
         }));
 }
 
-void note::finishLoad(int generation, Loaded result) {
+int note::expectedRowWidth() const {
+    // A year fills more than a screen, so its rows are laid out beside the
+    // scroll bar; a width that turns out otherwise is measured again.
+    int width = table_->maximumViewportSize().width();
+    QScrollBar* bar = table_->verticalScrollBar();
+    if (!table_->style()->styleHint(QStyle::SH_ScrollBar_Transient, nullptr, bar)) {
+        width -= bar->sizeHint().width();
+    }
+    return width;
+}
+
+void note::finishLoad(int generation, Loaded& result) {
     if (generation != generation_) {
         return;  // a later load took its place
     }
+    if (result.rest) {
+        if (!laidOut_) {
+            laidOut_ = true;
+            year_.tableDays = std::move(result.table);
+            // The rows above the first one in view change height; that row
+            // stays where it is.
+            const QModelIndex top = table_->indexAt(QPoint(0, 0));
+            const int offset = top.isValid() ? table_->visualRect(top).top() : 0;
+            delegate_->setHeights(std::move(result.heights), result.width);
+            table_->doItemsLayout();
+            if (top.isValid()) {
+                table_->scrollTo(top, QAbstractItemView::PositionAtTop);
+                QScrollBar* bar = table_->verticalScrollBar();
+                bar->setValue(bar->value() - offset);
+            }
+        }
+        return;
+    }
+    laidOut_ = result.complete;
     year_.mainData = std::move(result.days);
     year_.listData = std::move(result.list);
     year_.setup = std::move(result.setup);
-    delegate_->clearHeights();
+    year_.tableDays = std::move(result.table);
+    delegate_->setHeights(std::move(result.heights), result.width);
     generating_ = false;
     showYear(true);
     emit loaded();
+}
+
+void note::finishLayout() {
+    // The search reads every day; a load still laying out its later days
+    // is waited for, which is only ever the moment after a year opens.
+    if (laidOut_ || loading_ == nullptr) {
+        return;
+    }
+    auto* watcher = static_cast<QFutureWatcher<std::shared_ptr<Loaded>>*>(loading_.data());
+    watcher->waitForFinished();
+    const QFuture<std::shared_ptr<Loaded>> future = watcher->future();
+    if (future.resultCount() > 0) {
+        finishLoad(generation_, *future.resultAt(future.resultCount() - 1));
+    }
 }
 
 void note::updateSearch(const QString& text) {
@@ -306,13 +444,13 @@ void note::updateSearch(const QString& text) {
     if (generating_) {
         return;  // the load ends with the search
     }
+    finishLayout();
     showYear(false);
 }
 
 void note::showYear(bool scroll) {
     const std::string text = searchText_.toStdString();
-    year_.noteData =
-        DiarySearch(store_, year_.listData, year_.setup, year_.noteReg).find(year_.mainData, text);
+    year_.noteData = DiarySearch(text).find(year_.tableDays.search);
     if (year_.noteData.size() == year_.mainData.size()) {
         todayDic_ = store_.prepareGroupData(year_.mainData, year_.setup, year_.groupData);
     } else {

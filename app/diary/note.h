@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDateTime>
+#include <QPointer>
 #include <QRect>
 
 #include <functional>
@@ -13,6 +14,7 @@
 #include "frame/tab.h"
 #include "medication/courses.h"
 
+class QFutureWatcherBase;
 class QLabel;
 class QLineEdit;
 class QProgressBar;
@@ -71,6 +73,8 @@ public:
     void twoTouch();
 
     bool generating() const { return generating_; }
+    // Whether every day of the year is laid out; the table opens before.
+    bool laidOut() const { return laidOut_; }
     int gyear() const { return gyear_; }
     NoteListView* table() const { return table_; }
     const NoteYear& year() const { return year_; }
@@ -82,7 +86,9 @@ signals:
 private:
     struct Loaded;
     void startLoad();
-    void finishLoad(int generation, Loaded result);
+    int expectedRowWidth() const;
+    void finishLoad(int generation, Loaded& result);
+    void finishLayout();
     void showYear(bool scroll);
     void scrollToRow(int flatRow);
     void editNote(int row, QPoint inRow);
@@ -98,7 +104,9 @@ private:
     std::string gid_;
     int gyear_ = 1;
     bool generating_ = false;
+    bool laidOut_ = true;
     int generation_ = 0;
+    QPointer<QFutureWatcherBase> loading_;
     NoteYear year_;
     TablePosition todayDic_;
     std::optional<core::Date> lastDic_;

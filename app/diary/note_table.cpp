@@ -65,53 +65,47 @@ int NoteModel::flatRow(int section, int row) const {
 
 // ---- delegate ----
 
-NoteDelegate::NoteDelegate(const DiaryStore& store, const platform::QtPictures& pictures,
-                           NoteModel& model, QObject* parent)
-    : QStyledItemDelegate(parent), store_(store), pictures_(pictures), model_(model) {}
+NoteDelegate::NoteDelegate(const platform::QtPictures& pictures, NoteModel& model, QObject* parent)
+    : QStyledItemDelegate(parent), pictures_(pictures), model_(model) {}
+
+int NoteDelegate::dayHeight(const DayNote& day, const std::vector<CatalogueRow>& rows, int width,
+                            const platform::Canvas& measure) {
+    // The look changes colours and pictures only, never a size.
+    return static_cast<int>(std::ceil(NoteCellPaint({}).height(day, rows, width, measure)));
+}
+
+int NoteDelegate::rowWidth(const QWidget* view) {
+    const auto* list = qobject_cast<const QAbstractItemView*>(view);
+    return list != nullptr ? list->viewport()->width() : 360;
+}
 
 void NoteDelegate::setLook(NoteCellLook look) {
     look_ = look;
 }
 
-void NoteDelegate::clearHeights() {
-    heights_.assign(model_.year().mainData.size(), -1);
+void NoteDelegate::setHeights(std::vector<int> heights, int width) {
+    heights_ = std::move(heights);
+    heightsWidth_ = width;
     buttons_.assign(model_.year().mainData.size(), std::nullopt);
-}
-
-DayNote& NoteDelegate::completed(std::size_t day) const {
-    NoteYear& year = model_.year();
-    DayNote& note = year.mainData[day];
-    if (!note.compliteOK) {
-        // A year loaded without its texts builds them as its days come into
-        // view; the running illness is carried in the order they do.
-        store_.updateNoteStrings(note, year.listData, year.setup, year.noteReg, false);
-    }
-    store_.noteStructToTodayNote(note, rows_, year.listData);
-    return note;
 }
 
 QSize NoteDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const {
     const NoteModel::Row& row = model_.row(index.row());
-    const int width = option.rect.width() > 0 ? option.rect.width() : 360;
+    const int width = rowWidth(option.widget);
     if (!row.day) {
         return {width, kHeaderHeight};
     }
-    if (heightsWidth_ != width || heights_.size() != model_.year().mainData.size()) {
-        heights_.assign(model_.year().mainData.size(), -1);
+    const NoteYear& year = model_.year();
+    if (heightsWidth_ != width || heights_.size() != year.mainData.size()) {
+        heights_.assign(year.mainData.size(), -1);
         heightsWidth_ = width;
     }
     int& height = heights_[*row.day];
     if (height < 0) {
-        const DayNote& day = completed(*row.day);
-        const QPaintDevice* device =
-            option.widget != nullptr ? static_cast<const QPaintDevice*>(option.widget) : nullptr;
-        if (device != nullptr) {
-            const platform::QtCanvas measure(*device);
-            height = static_cast<int>(
-                std::ceil(NoteCellPaint(look_).height(day, rows_, width, measure)));
-        } else {
-            height = 64;
-        }
+        height = option.widget != nullptr && *row.day < year.tableDays.rows.size()
+                     ? dayHeight(year.mainData[*row.day], year.tableDays.rows[*row.day], width,
+                                 platform::QtCanvas(*option.widget))
+                     : 64;
     }
     return {width, height};
 }
@@ -132,11 +126,15 @@ void NoteDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
         canvas.drawText(group.name2, {r.x() + 10.0, r.y() + 25.0, r.width() - 20.0, 16},
                         platform::Font{11}, text);
     } else {
-        const DayNote& day = completed(*row.day);
+        const NoteYear& year = model_.year();
+        static const std::vector<CatalogueRow> kNoRows;
+        const DayNote& day = year.mainData[*row.day];
+        const std::vector<CatalogueRow>& rows =
+            *row.day < year.tableDays.rows.size() ? year.tableDays.rows[*row.day] : kNoRows;
         const platform::Rect rect{double(r.x()), double(r.y()), double(r.width()),
                                   double(r.height())};
         NoteCellButtons drawn =
-            NoteCellPaint(look_).draw(day, rows_, rect, day.flags.istoday, canvas);
+            NoteCellPaint(look_).draw(day, rows, rect, day.flags.istoday, canvas);
         // Kept relative to the row, which moves as the list scrolls.
         const auto shift = [&](platform::Rect& b) {
             b.x -= rect.x;

@@ -12,6 +12,7 @@
 
 #include "diary/diary_store.h"
 #include "diary/note_cell_paint.h"
+#include "diary/table_days.h"
 
 class QPushButton;
 
@@ -21,10 +22,12 @@ class QtPictures;
 
 namespace tilika::diary {
 
-// The year on the screen: every day loaded, the days the search kept (as
-// positions among them) and their month groups.
+// The year on the screen: every day loaded with what its row shows and what
+// the search reads, the days the search kept (as positions among them) and
+// their month groups.
 struct NoteYear {
     std::vector<DayNote> mainData;
+    TableDays tableDays;
     std::vector<std::size_t> noteData;
     std::vector<DayGroup> groupData;
     std::vector<ListRow> listData;
@@ -60,18 +63,25 @@ private:
     std::vector<int> sectionStarts_;
 };
 
-// Paints month headers and days; a day through NoteCellPaint, its texts
-// completed the first time it is drawn. Heights are kept per day until the
-// year is loaded again or the width changes.
+// Paints month headers and days; a day through NoteCellPaint. Heights are
+// kept per day until the year is loaded again or the width changes; a load
+// brings them measured, so that laying out a year costs nothing.
 class NoteDelegate final : public QStyledItemDelegate {
     Q_OBJECT
 
 public:
-    NoteDelegate(const DiaryStore& store, const platform::QtPictures& pictures, NoteModel& model,
-                 QObject* parent);
+    NoteDelegate(const platform::QtPictures& pictures, NoteModel& model, QObject* parent);
+
+    // The height of a day's row at a width, measured on a canvas of the
+    // resolution it is drawn at.
+    static int dayHeight(const DayNote& day, const std::vector<CatalogueRow>& rows, int width,
+                         const platform::Canvas& measure);
+    // The width the rows of a view are laid out at.
+    static int rowWidth(const QWidget* view);
 
     void setLook(NoteCellLook look);
-    void clearHeights();
+    // A new year's day heights, measured at `width`; -1 for one to measure.
+    void setHeights(std::vector<int> heights, int width);
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option,
                const QModelIndex& index) const override;
@@ -81,13 +91,9 @@ public:
     std::optional<NoteCellButtons> buttons(std::size_t day) const;
 
 private:
-    DayNote& completed(std::size_t day) const;
-
-    const DiaryStore& store_;
     const platform::QtPictures& pictures_;
     NoteModel& model_;
     NoteCellLook look_;
-    mutable std::vector<CatalogueRow> rows_;
     mutable std::vector<int> heights_;
     mutable int heightsWidth_ = -1;
     mutable std::vector<std::optional<NoteCellButtons>> buttons_;

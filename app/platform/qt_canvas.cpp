@@ -134,8 +134,20 @@ Size QtCanvas::measureText(std::string_view text, const Font& font, double width
     if (text.empty()) {
         return {};
     }
+    // Only a canvas that measures remembers: a painting one lives for one
+    // paint.
+    MeasureKey key{std::string(text), font.size, static_cast<int>(font.weight), font.italic, width};
+    if (painter_ == nullptr) {
+        if (const auto known = measured_.find(key); known != measured_.end()) {
+            return known->second;
+        }
+    }
     const LaidText laid = layText(text, toQFont(font, dpi()), device_, width, TextAlign::Left);
-    return {laid.size.width(), laid.size.height()};
+    const Size size{laid.size.width(), laid.size.height()};
+    if (painter_ == nullptr) {
+        measured_.emplace(std::move(key), size);
+    }
+    return size;
 }
 
 void QtCanvas::drawText(std::string_view text, const Rect& box, const Font& font,

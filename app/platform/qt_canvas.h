@@ -3,6 +3,10 @@
 #include <QColor>
 #include <QFont>
 
+#include <map>
+#include <string>
+#include <tuple>
+
 #include "platform/canvas.h"
 
 class QPaintDevice;
@@ -25,7 +29,10 @@ public:
     // Draws with the painter; with pages, newPage starts the next page.
     QtCanvas(QPainter& painter, const QtPictures& pictures, QPagedPaintDevice* pages = nullptr);
     // Only measures, as the device would draw; drawing does nothing. The
-    // device must outlive the canvas.
+    // device must outlive the canvas. Such a canvas remembers what it has
+    // measured, as laying out a list measures the same texts over and over;
+    // it is for one thread at a time, and an image is a device any thread
+    // may measure on.
     explicit QtCanvas(const QPaintDevice& device);
 
     Size measureText(std::string_view text, const Font& font, double width) const override;
@@ -58,6 +65,8 @@ private:
     const QtPictures* pictures_ = nullptr;
     QPagedPaintDevice* pages_ = nullptr;
     const QPaintDevice* device_ = nullptr;
+    using MeasureKey = std::tuple<std::string, double, int, bool, double>;
+    mutable std::map<MeasureKey, Size> measured_;
 };
 
 }  // namespace tilika::platform

@@ -2,6 +2,7 @@
 
 #include <unicode/unistr.h>
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -24,51 +25,13 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 25> kSection
 }};
 // clang-format on
 
-icu::UnicodeString folded(std::string_view text) {
-    icu::UnicodeString unicode = icu::UnicodeString::fromUTF8(
-        icu::StringPiece(text.data(), static_cast<int32_t>(text.size())));
-    unicode.foldCase();
-    return unicode;
+bool holdsSomething(const CatalogueRow& row) {
+    return !row.source.empty() || !row.text.empty();
 }
 
-bool contains(std::string_view haystack, const icu::UnicodeString& needle) {
-    return !haystack.empty() && folded(haystack).indexOf(needle) >= 0;
-}
-
-bool byWord(std::string_view field, const icu::UnicodeString& filter) {
-    for (const auto& [name, word] : kSectionWords) {
-        if (!name.empty() && name == field && folded(word) == filter) {
-            return true;
-        }
-    }
-    return false;
-}
-
-bool byContent(const CatalogueRow& row, const icu::UnicodeString& filter) {
-    switch (row.tp) {
-        case tp::timedRows:
-        case tp::reminders:
-            for (const MultiRow& element : row.multiarray) {
-                if (contains(element.cap, filter) || contains(element.time, filter)) {
-                    return true;
-                }
-            }
-            return false;
-        case tp::medication:
-            for (const MultiRow& element : row.multiarray) {
-                if (contains(element.text, filter)) {
-                    return true;
-                }
-            }
-            return false;
-        // Periods, pressure and fluids are records whose times would match
-        // almost any search of a time; they answer to their word only.
-        case tp::periods:
-        case tp::pressure:
-        case tp::fluids:
-            return false;
-        default:
-            return contains(row.text, filter);
+void addText(std::vector<std::string>& texts, std::string_view text) {
+    if (!text.empty()) {
+        texts.push_back(foldedText(text));
     }
 }
 
@@ -85,48 +48,87 @@ std::string_view sectionWord(std::string_view field) {
 
 bool filterTypeName(std::string_view field, std::string_view source, std::string_view text,
                     std::string_view filter) {
-    return (!source.empty() || !text.empty()) && byWord(field, folded(filter));
+    if (source.empty() && text.empty()) {
+        return false;
+    }
+    SearchableDay day;
+    day.fields.emplace_back(field);
+    return DiarySearch(filter).matches(day);
 }
 
 std::string foldedText(std::string_view text) {
+    icu::UnicodeString unicode = icu::UnicodeString::fromUTF8(
+        icu::StringPiece(text.data(), static_cast<int32_t>(text.size())));
+    unicode.foldCase();
     std::string result;
-    folded(text).toUTF8String(result);
+    unicode.toUTF8String(result);
     return result;
 }
 
-DiarySearch::DiarySearch(const DiaryStore& store, const std::vector<ListRow>& list,
-                         SetupRecord& setup, int regim)
-    : store_(store), list_(list), setup_(setup), regim_(regim) {}
+DiarySearch::DiarySearch(std::string_view text)
+    : everything_(text.empty()), folded_(foldedText(text)) {
+    for (const auto& [name, word] : kSectionWords) {
+        if (!name.empty() && foldedText(word) == folded_) {
+            fields_.push_back(name);
+        }
+    }
+}
 
-bool DiarySearch::matches(const std::vector<CatalogueRow>& rows, std::string_view text) const {
-    const icu::UnicodeString filter = folded(text);
+SearchableDay DiarySearch::searchable(const std::vector<CatalogueRow>& rows) {
+    SearchableDay day;
     for (const CatalogueRow& row : rows) {
-        if (((!row.source.empty() || !row.text.empty()) && byWord(row.field, filter)) ||
-            byContent(row, filter)) {
+        if (holdsSomething(row) && !sectionWord(row.field).empty()) {
+            day.fields.push_back(row.field);
+        }
+        switch (row.tp) {
+            case tp::timedRows:
+            case tp::reminders:
+                for (const MultiRow& element : row.multiarray) {
+                    addText(day.texts, element.cap);
+                    addText(day.texts, element.time);
+                }
+                break;
+            case tp::medication:
+                for (const MultiRow& element : row.multiarray) {
+                    addText(day.texts, element.text);
+                }
+                break;
+            // Periods, pressure and fluids are records whose times would
+            // match almost any search of a time; they answer to their word
+            // only.
+            case tp::periods:
+            case tp::pressure:
+            case tp::fluids:
+                break;
+            default:
+                addText(day.texts, row.text);
+                break;
+        }
+    }
+    return day;
+}
+
+bool DiarySearch::matches(const SearchableDay& day) const {
+    if (folded_.empty()) {
+        return false;
+    }
+    for (const std::string& field : day.fields) {
+        if (std::find(fields_.begin(), fields_.end(), field) != fields_.end()) {
             return true;
         }
     }
-    return false;
+    // UTF-8 never matches in the middle of a letter, so a search of the bytes
+    // is a search of the letters.
+    return std::any_of(day.texts.begin(), day.texts.end(), [this](const std::string& text) {
+        return text.find(folded_) != std::string::npos;
+    });
 }
 
-std::vector<std::size_t> DiarySearch::find(std::vector<DayNote>& days,
-                                           std::string_view text) const {
+std::vector<std::size_t> DiarySearch::find(const std::vector<SearchableDay>& days) const {
     std::vector<std::size_t> found;
     found.reserve(days.size());
-    if (text.empty()) {
-        for (std::size_t i = 0; i < days.size(); ++i) {
-            found.push_back(i);
-        }
-        return found;
-    }
-    std::vector<CatalogueRow> rows;
     for (std::size_t i = 0; i < days.size(); ++i) {
-        DayNote& day = days[i];
-        if (!day.compliteOK) {
-            store_.updateNoteStrings(day, list_, setup_, regim_, false);
-        }
-        store_.noteStructToTodayNote(day, rows, list_);
-        if (matches(rows, text)) {
+        if (everything_ || matches(days[i])) {
             found.push_back(i);
         }
     }

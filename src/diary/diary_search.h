@@ -18,28 +18,34 @@ std::string_view sectionWord(std::string_view field);
 bool filterTypeName(std::string_view field, std::string_view source, std::string_view text,
                     std::string_view filter);
 
-// The search of the diary screen over a loaded year. It answers with
-// positions in the year, so the screen never copies its days. The text is
-// matched literally, ignoring case in any alphabet.
+// A day as the search reads it, folded once when the year is loaded, so that
+// a search of the year is only comparisons.
+struct SearchableDay {
+    std::vector<std::string> fields;  // the sections that hold something
+    std::vector<std::string> texts;   // folded: where its content is looked for
+};
+
+// The search of the diary screen. The text is matched literally, ignoring
+// case in any alphabet: a row is found by its section's word when the whole
+// text is that word, or by its content.
 class DiarySearch {
 public:
-    // `setup` carries the running illness while days that were loaded
-    // without their texts are completed; `regim` is the regim of the load.
-    DiarySearch(const DiaryStore& store, const std::vector<ListRow>& list, SetupRecord& setup,
-                int regim);
+    explicit DiarySearch(std::string_view text);
 
+    // A day's catalogue rows (noteStructToTodayNote) as the search reads them.
+    static SearchableDay searchable(const std::vector<CatalogueRow>& rows);
+
+    bool matches(const SearchableDay& day) const;
+    bool matches(const std::vector<CatalogueRow>& rows) const { return matches(searchable(rows)); }
     // The positions of the days that match, in order; every day for an
-    // empty text. Days still without their texts get them first.
-    std::vector<std::size_t> find(std::vector<DayNote>& days, std::string_view text) const;
-
-    // Whether one day's catalogue rows match the text.
-    bool matches(const std::vector<CatalogueRow>& rows, std::string_view text) const;
+    // empty text. Positions, so that the screen never copies its days.
+    std::vector<std::size_t> find(const std::vector<SearchableDay>& days) const;
 
 private:
-    const DiaryStore& store_;
-    const std::vector<ListRow>& list_;
-    SetupRecord& setup_;
-    int regim_;
+    bool everything_;
+    std::string folded_;
+    // The sections whose word the text is.
+    std::vector<std::string_view> fields_;
 };
 
 // The text in the form every comparison of the search uses: Unicode case

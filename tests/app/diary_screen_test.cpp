@@ -21,6 +21,7 @@
 #include "diary/profiles.h"
 #include "frame/main_menu.h"
 #include "frame/menu_views.h"
+#include "platform/qt_canvas.h"
 #include "platform/settings_store.h"
 #include "support/session_world.h"
 
@@ -188,6 +189,48 @@ private slots:
         QVERIFY(page->year().mainData.empty());
         QVERIFY(page->findChild<QLabel*>(QStringLiteral("noData"))->isVisible());
         save(page->grab(), "diary_empty.png");
+    }
+
+    void rowsAreAsTallAsWhatTheyDrawAtAnyWidth() {
+        launchPastWelcome();
+        const std::string gid = addChildBorn("2025-03-20");
+        put(gid, "2026-11-18", "note",
+            "Долгая прогулка в парке, потом обед, сон и снова прогулка до самого вечера, "
+            "пока не стемнело");
+        put(gid, "2026-11-19", "temp",
+            R"([{"time":"08:00","temp":"37.9"},{"time":"20:00","temp":"38.4"}])");
+        put(gid, "2026-11-20", "ves", "11.200");
+        writePhoto(gid, "21-11-2026");
+        diary::note* page = open(gid);
+        diary::NoteListView* table = page->table();
+        const auto rowsMatch = [&] {
+            const diary::NoteYear& year = page->year();
+            int days = 0;
+            for (int row = 0; row < table->model()->rowCount(); ++row) {
+                const QRect drawn = table->visualRect(table->model()->index(row, 0));
+                const auto& position = static_cast<diary::NoteModel*>(table->model())->row(row).day;
+                if (!position || !drawn.intersects(table->viewport()->rect())) {
+                    continue;
+                }
+                ++days;
+                const int height = diary::NoteDelegate::dayHeight(
+                    year.mainData[*position], year.tableDays.rows[*position], drawn.width(),
+                    platform::QtCanvas(*table->viewport()));
+                if (drawn.height() != height || drawn.width() != table->viewport()->width()) {
+                    qWarning() << "row" << row << drawn << "measured" << height;
+                    return false;
+                }
+            }
+            return days > 3;
+        };
+        QVERIFY(rowsMatch());
+        root_->resize(root_->width() + 300, root_->height());
+        QTRY_VERIFY(rowsMatch());
+        root_->resize(root_->width() - 400, root_->height());
+        QTRY_VERIFY(rowsMatch());
+        page->reload();
+        QTRY_VERIFY(!page->generating());
+        QVERIFY(rowsMatch());
     }
 
 private:

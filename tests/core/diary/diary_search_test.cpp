@@ -6,6 +6,7 @@
 
 #include "core/ids.h"
 #include "diary/day_rows.h"
+#include "diary/table_days.h"
 #include "support/core_fixture.h"
 
 namespace tilika::diary {
@@ -39,12 +40,20 @@ protected:
         return days;
     }
 
+    TableDays prepare(std::vector<DayNote>& days, int regim) {
+        return prepareTableDays(store, days, list, Profiles(context).loadSetupData(gid), regim);
+    }
+
+    std::string day(const DayNote& note) const {
+        return dates.dateToString(note.dat, core::formats::day);
+    }
+
     // The days found, as "yyyy-MM-dd".
     std::vector<std::string> search(std::vector<DayNote>& days, std::string_view text, int regim) {
-        SetupRecord setup = Profiles(context).loadSetupData(gid);
+        const TableDays table = prepare(days, regim);
         std::vector<std::string> found;
-        for (std::size_t i : DiarySearch(store, list, setup, regim).find(days, text)) {
-            found.push_back(dates.dateToString(days[i].dat, core::formats::day));
+        for (std::size_t i : DiarySearch(text).find(table.search)) {
+            found.push_back(day(days[i]));
         }
         return found;
     }
@@ -84,6 +93,38 @@ TEST_F(DiarySearchTest, FindsBySectionWordAndByContentIgnoringCase) {
         }
         EXPECT_TRUE(search(days, std::string(1000, 'x'), regim).empty());
     }
+}
+
+TEST_F(DiarySearchTest, APreparedYearIsCompletedInDateOrderWithOnlyWhatItsDaysShow) {
+    const std::string ill = core::newID2(core::idkind::listRow, 66);
+    const std::string recovered = core::newID2(core::idkind::listRow, 64);
+    put("2026-04-10", "bolezn", ill);
+    put("2026-04-12", "note", "Кашель");
+    put("2026-04-20", "bolezn", recovered);
+    put("2026-04-22", "note", "Гуляли");
+
+    // Without its empty days the year comes without texts; the illness runs
+    // from the day it starts over the days shown after it, up to recovery.
+    std::vector<DayNote> days = load(loadregim::withoutEmptyDays);
+    ASSERT_EQ(days.size(), 4u);
+    const TableDays table = prepare(days, loadregim::withoutEmptyDays);
+    ASSERT_EQ(table.rows.size(), 4u);
+    ASSERT_EQ(table.search.size(), 4u);
+    for (const DayNote& note : days) {
+        EXPECT_TRUE(note.compliteOK) << day(note);
+    }
+    EXPECT_EQ(days[0].color, kIllnessNote);
+    EXPECT_EQ(days[1].color, kIllnessNote);
+    EXPECT_TRUE(days[2].flags.isbolezn);
+    EXPECT_EQ(days[2].color, kNeutralNote);
+    EXPECT_FALSE(days[3].flags.isbolezn);
+
+    // A day lays out only the rows it has something in.
+    ASSERT_EQ(table.rows[1].size(), 1u);
+    EXPECT_EQ(table.rows[1].front().field, "note");
+    EXPECT_EQ(table.rows[1].front().text, "Кашель");
+    EXPECT_TRUE(DiarySearch("кашель").matches(table.search[1]));
+    EXPECT_FALSE(DiarySearch("кашель").matches(table.search[3]));
 }
 
 TEST_F(DiarySearchTest, SectionWordsNeedSomethingInTheRow) {
