@@ -151,9 +151,17 @@ private:
     std::unique_ptr<PaintWatch> watch_;
 };
 
-Screen& screen() {
-    static Screen instance;
+// The page outlives each benchmark but not the application it runs in.
+std::unique_ptr<Screen>& screenSlot() {
+    static std::unique_ptr<Screen> instance;
     return instance;
+}
+
+Screen& screen() {
+    if (!screenSlot()) {
+        screenSlot() = std::make_unique<Screen>();
+    }
+    return *screenSlot();
 }
 
 void BM_DiaryScreenOpenYear(benchmark::State& state) {
@@ -210,6 +218,7 @@ int main(int argc, char** argv) {
         return 1;
     }
     benchmark::RunSpecifiedBenchmarks();
+    screenSlot().reset();
     benchmark::Shutdown();
     return 0;
 }

@@ -200,6 +200,9 @@ private slots:
         put(gid, "2026-11-19", "temp",
             R"([{"time":"08:00","temp":"37.9"},{"time":"20:00","temp":"38.4"}])");
         put(gid, "2026-11-20", "ves", "11.200");
+        put(gid, "2026-03-21", "ves", "9.800");
+        put(gid, "2026-03-22", "note",
+            "Первый зуб, капризничал и почти не спал днём, а потом долго гулял");
         writePhoto(gid, "21-11-2026");
         diary::note* page = open(gid);
         diary::NoteListView* table = page->table();
@@ -228,8 +231,22 @@ private slots:
         QTRY_VERIFY(rowsMatch());
         root_->resize(root_->width() - 400, root_->height());
         QTRY_VERIFY(rowsMatch());
+        // A search the moment the table opens reads the whole year, the
+        // days far from today included, which are laid out after it opens.
+        std::size_t found = 0;
+        connect(
+            page, &diary::note::loaded, this,
+            [&] {
+                page->updateSearch(QStringLiteral("вес"));
+                found = page->year().noteData.size();
+            },
+            Qt::SingleShotConnection);
         page->reload();
         QTRY_VERIFY(!page->generating());
+        QCOMPARE(found, 2u);
+        QVERIFY(page->laidOut());
+        // Those days are as tall as drawn, too.
+        page->updateSearch({});
         QVERIFY(rowsMatch());
     }
 
