@@ -26,8 +26,8 @@
 #include "core/settings_keys.h"
 #include "diary/day_deletion.h"
 #include "diary/diary_search.h"
-#include "diary/table_days.h"
 #include "diary/profiles.h"
+#include "diary/table_days.h"
 #include "frame/elided_label.h"
 #include "frame/form_shared.h"
 #include "frame/look.h"
@@ -343,7 +343,7 @@ void note::startLoad() {
             result.table.search.resize(count);
             result.heights.assign(count, -1);
             std::vector<CatalogueRow> catalogue;
-            const platform::QtCanvas measure(device);
+            const platform::QtCanvas measure(device, true);
             const auto layOut = [&](std::size_t i) {
                 layOutDay(store, result.days[i], result.list, catalogue, result.table.rows[i],
                           result.table.search[i]);
@@ -435,7 +435,10 @@ void note::finishLayout() {
     watcher->waitForFinished();
     const QFuture<std::shared_ptr<Loaded>> future = watcher->future();
     if (future.resultCount() > 0) {
-        finishLoad(generation_, *future.resultAt(future.resultCount() - 1));
+        const std::shared_ptr<Loaded> last = future.resultAt(future.resultCount() - 1);
+        if (last->rest) {
+            finishLoad(generation_, *last);
+        }
     }
 }
 

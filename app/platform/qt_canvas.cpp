@@ -113,7 +113,8 @@ QtCanvas::QtCanvas(QPainter& painter, const QtPictures& pictures, QPagedPaintDev
     painter_->setRenderHint(QPainter::TextAntialiasing);
 }
 
-QtCanvas::QtCanvas(const QPaintDevice& device) : device_(&device) {}
+QtCanvas::QtCanvas(const QPaintDevice& device, bool remember)
+    : device_(&device), remember_(remember) {}
 
 int QtCanvas::dpi() const {
     // Read each time: a window moved to another screen changes it.
@@ -134,19 +135,22 @@ Size QtCanvas::measureText(std::string_view text, const Font& font, double width
     if (text.empty()) {
         return {};
     }
-    // Only a canvas that measures remembers: a painting one lives for one
-    // paint.
-    MeasureKey key{std::string(text), font.size, static_cast<int>(font.weight), font.italic, width};
-    if (painter_ == nullptr) {
-        if (const auto known = measured_.find(key); known != measured_.end()) {
-            return known->second;
-        }
+    const int resolution = dpi();
+    const auto lay = [&] {
+        const LaidText laid =
+            layText(text, toQFont(font, resolution), device_, width, TextAlign::Left);
+        return Size{laid.size.width(), laid.size.height()};
+    };
+    if (!remember_) {
+        return lay();
     }
-    const LaidText laid = layText(text, toQFont(font, dpi()), device_, width, TextAlign::Left);
-    const Size size{laid.size.width(), laid.size.height()};
-    if (painter_ == nullptr) {
-        measured_.emplace(std::move(key), size);
+    MeasureKey key{std::string(text), font.size, static_cast<int>(font.weight),
+                   font.italic,       width,     resolution};
+    if (const auto known = measured_.find(key); known != measured_.end()) {
+        return known->second;
     }
+    const Size size = lay();
+    measured_.emplace(std::move(key), size);
     return size;
 }
 

@@ -29,11 +29,11 @@ public:
     // Draws with the painter; with pages, newPage starts the next page.
     QtCanvas(QPainter& painter, const QtPictures& pictures, QPagedPaintDevice* pages = nullptr);
     // Only measures, as the device would draw; drawing does nothing. The
-    // device must outlive the canvas. Such a canvas remembers what it has
-    // measured, as laying out a list measures the same texts over and over;
-    // it is for one thread at a time, and an image is a device any thread
-    // may measure on.
-    explicit QtCanvas(const QPaintDevice& device);
+    // device must outlive the canvas. With `remember` a text is laid out
+    // once however often it is measured, which is what laying out a list
+    // of days wants; such a canvas is for one thread and one piece of work.
+    // An image is a device any thread may measure on.
+    explicit QtCanvas(const QPaintDevice& device, bool remember = false);
 
     Size measureText(std::string_view text, const Font& font, double width) const override;
     void drawText(std::string_view text, const Rect& box, const Font& font, const Color& color,
@@ -65,7 +65,8 @@ private:
     const QtPictures* pictures_ = nullptr;
     QPagedPaintDevice* pages_ = nullptr;
     const QPaintDevice* device_ = nullptr;
-    using MeasureKey = std::tuple<std::string, double, int, bool, double>;
+    bool remember_ = false;
+    using MeasureKey = std::tuple<std::string, double, int, bool, double, int>;
     mutable std::map<MeasureKey, Size> measured_;
 };
 
