@@ -68,6 +68,8 @@ int NoteModel::flatRow(int section, int row) const {
 NoteDelegate::NoteDelegate(const platform::QtPictures& pictures, NoteModel& model, QObject* parent)
     : QStyledItemDelegate(parent), pictures_(pictures), model_(model) {}
 
+NoteDelegate::~NoteDelegate() = default;
+
 int NoteDelegate::dayHeight(const DayNote& day, const std::vector<CatalogueRow>& rows, int width,
                             const platform::Canvas& measure) {
     // The look changes colours and pictures only, never a size.
@@ -86,6 +88,7 @@ void NoteDelegate::setLook(NoteCellLook look) {
 void NoteDelegate::setHeights(std::vector<int> heights, int width) {
     heights_ = std::move(heights);
     heightsWidth_ = width;
+    measure_.reset();
     buttons_.assign(model_.year().mainData.size(), std::nullopt);
 }
 
@@ -127,6 +130,12 @@ void NoteDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                         platform::Font{11}, text);
     } else {
         const NoteYear& year = model_.year();
+        // On the view's own viewport, which outlives any one paint: a grab
+        // paints on a picture that is gone the moment after.
+        const auto* view = qobject_cast<const QAbstractItemView*>(option.widget);
+        if (!measure_ && view != nullptr) {
+            measure_ = std::make_unique<platform::QtCanvas>(*view->viewport(), true);
+        }
         static const std::vector<CatalogueRow> kNoRows;
         const DayNote& day = year.mainData[*row.day];
         const std::vector<CatalogueRow>& rows =
@@ -134,7 +143,7 @@ void NoteDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
         const platform::Rect rect{double(r.x()), double(r.y()), double(r.width()),
                                   double(r.height())};
         NoteCellButtons drawn =
-            NoteCellPaint(look_).draw(day, rows, rect, day.flags.istoday, canvas);
+            NoteCellPaint(look_).draw(day, rows, rect, day.flags.istoday, canvas, measure_.get());
         // Kept relative to the row, which moves as the list scrolls.
         const auto shift = [&](platform::Rect& b) {
             b.x -= rect.x;

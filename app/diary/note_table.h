@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -17,8 +18,9 @@
 class QPushButton;
 
 namespace tilika::platform {
+class QtCanvas;
 class QtPictures;
-}
+}  // namespace tilika::platform
 
 namespace tilika::diary {
 
@@ -71,6 +73,7 @@ class NoteDelegate final : public QStyledItemDelegate {
 
 public:
     NoteDelegate(const platform::QtPictures& pictures, NoteModel& model, QObject* parent);
+    ~NoteDelegate() override;
 
     // The height of a day's row at a width, measured on a canvas of the
     // resolution it is drawn at.
@@ -94,6 +97,8 @@ private:
     const platform::QtPictures& pictures_;
     NoteModel& model_;
     NoteCellLook look_;
+    // Measures the texts of the rows drawn, each once per load.
+    mutable std::unique_ptr<platform::QtCanvas> measure_;
     mutable std::vector<int> heights_;
     mutable int heightsWidth_ = -1;
     mutable std::vector<std::optional<NoteCellButtons>> buttons_;

@@ -72,13 +72,14 @@ double NoteCellPaint::height(const DayNote& day, const std::vector<CatalogueRow>
 }
 
 NoteCellButtons NoteCellPaint::draw(const DayNote& day, const std::vector<CatalogueRow>& rows,
-                                    const Rect& rect, bool today, platform::Canvas& canvas) const {
+                                    const Rect& rect, bool today, platform::Canvas& canvas,
+                                    const platform::Canvas* measure) const {
     NoteCellButtons buttons;
     buttons.row = rect;
     if (today) {
         canvas.fillRect(rect, look_.darkBars ? kTodayWarm : kTodayWhite);
     }
-    walk(day, rows, rect, canvas, &canvas, &buttons);
+    walk(day, rows, rect, measure != nullptr ? *measure : canvas, &canvas, &buttons);
     return buttons;
 }
 

@@ -33,8 +33,11 @@ public:
     // `rows` is the day laid into the catalogue (noteStructToTodayNote).
     double height(const DayNote& day, const std::vector<CatalogueRow>& rows, double width,
                   const platform::Canvas& measure) const;
+    // Texts are measured on `measure` where given (one that remembers its
+    // texts, say), else on the canvas drawn on.
     NoteCellButtons draw(const DayNote& day, const std::vector<CatalogueRow>& rows,
-                         const platform::Rect& rect, bool today, platform::Canvas& canvas) const;
+                         const platform::Rect& rect, bool today, platform::Canvas& canvas,
+                         const platform::Canvas* measure = nullptr) const;
 
     // Whether a catalogue row has anything to show in a day row.
     static bool shown(const DayNote& day, const CatalogueRow& row);
