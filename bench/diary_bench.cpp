@@ -17,99 +17,18 @@
 #include "core/settings_file.h"
 #include "diary/diary_store.h"
 #include "diary/value_codecs.h"
+#include "diary_sample.h"
 #include "medication/courses.h"
 #include "platform/clock.h"
 #include "platform/folders.h"
 #include "platform/settings_store.h"
-#include "sample_diary.h"
 
 namespace {
 
 using namespace tilika;
-
-constexpr int kDenseYear = 5;
-
-// The sample diary, written once per run into a temporary folder.
-class Sample {
-public:
-    Sample()
-        : dir_(makeDir()),
-          diary_(bench::writeSampleDiary(dir_, TILIKA_BENCH_RESOURCE_DIR)),
-          folders_(dir_, TILIKA_BENCH_RESOURCE_DIR),
-          settings_(dir_ / "Library" / "settings.json"),
-          clock_(bench::sampleNow(), "Europe/Moscow"),
-          dates_(clock_),
-          database_(folders_, dates_),
-          context_{clock_, settings_, folders_, dates_, database_, state_},
-          courses_(dates_),
-          store_(context_, courses_) {}
-
-    ~Sample() {
-        std::error_code error;
-        std::filesystem::remove_all(dir_, error);
-    }
-
-    const std::string& gid() const { return diary_.children.front().gid; }
-    const std::string& birth() const { return diary_.children.front().birth; }
-    core::Dates& dates() { return dates_; }
-    core::DatabaseStore& database() { return database_; }
-    diary::DiaryStore& store() { return store_; }
-
-    core::Date yearStart() {
-        return dates_.addYears(*dates_.dateFromString(diary_.children.front().birth),
-                               kDenseYear - 1);
-    }
-
-private:
-    static std::filesystem::path makeDir() {
-        std::string pattern =
-            (std::filesystem::temp_directory_path() / "tilika-bench-XXXXXX").string();
-        return ::mkdtemp(pattern.data());
-    }
-
-    std::filesystem::path dir_;
-    bench::SampleDiary diary_;
-    platform::DataFolders folders_;
-    core::JsonSettingsStore settings_;
-    platform::ManualClock clock_;
-    core::Dates dates_;
-    core::DatabaseStore database_;
-    core::AppState state_;
-    core::Context context_;
-    medication::CourseReconciler courses_;
-    diary::DiaryStore store_;
-};
-
-Sample& sample() {
-    static Sample instance;
-    return instance;
-}
-
-void BM_DiaryYearRawRead(benchmark::State& state) {
-    Sample& s = sample();
-    SQLite::Database& db = *s.database().connectToBase();
-    const std::string from = s.dates().dateToString(s.yearStart(), core::formats::day);
-    const std::string to =
-        s.dates().dateToString(s.dates().addYears(s.yearStart(), 1), core::formats::day);
-    std::size_t rows = 0;
-    for (auto _ : state) {
-        SQLite::Statement query(db,
-                                "select sdat, type, value from childdata where childguid=? and "
-                                "date(sdat)>=date(?) and date(sdat)<date(?) order by date(sdat)");
-        query.bind(1, s.gid());
-        query.bind(2, from);
-        query.bind(3, to);
-        rows = 0;
-        while (query.executeStep()) {
-            std::string sdat = query.getColumn(0).getString();
-            std::string type = query.getColumn(1).getString();
-            std::string value = query.getColumn(2).getString();
-            benchmark::DoNotOptimize(value);
-            ++rows;
-        }
-    }
-    state.counters["rows"] = static_cast<double>(rows);
-}
+using bench::kDenseYear;
+using bench::sample;
+using bench::Sample;
 
 void loadYear(benchmark::State& state, int regim) {
     Sample& s = sample();
@@ -205,7 +124,6 @@ void BM_DiarySaveDayAddingACourse(benchmark::State& state) {
 
 }  // namespace
 
-BENCHMARK(BM_DiaryYearRawRead)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_DiaryLoadEveryDay)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_DiaryLoadWithoutEmptyDays)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_DiaryYearPhotoLookups)->Unit(benchmark::kMillisecond);

@@ -19,6 +19,7 @@
 
 #include "core/context.h"
 #include "diary/day_cloud.h"
+#include "diary/note.h"
 #include "diary/note_edit.h"
 #include "diary/photo_source.h"
 #include "diary/reference_lists.h"
@@ -44,6 +45,7 @@ namespace tilika::frame {
 namespace {
 
 constexpr int kSlideMs = 400;
+constexpr int kDiaryPage = 9;
 // A drag becomes a swipe once it has gone this far, mostly sideways.
 constexpr int kSwipeStart = 12;
 
@@ -78,6 +80,16 @@ bool pressButton(QWidget* widget, const QKeyEvent& event) {
         button->click();
     }
     return true;
+}
+
+// Lists whose rows a drag to the left works (it reveals a row's delete).
+bool usesLeftDrags(const QWidget* widget) {
+    for (const QWidget* w = widget; w != nullptr && !w->isWindow(); w = w->parentWidget()) {
+        if (w->property("ownsLeftDrags").toBool()) {
+            return true;
+        }
+    }
+    return false;
 }
 
 // Controls that a sideways drag works, inside a text view's viewport too.
@@ -149,15 +161,40 @@ Tab* ViewController::tab(int pageId) {
     }
     QPointer<Tab>& slot = tabs_[static_cast<std::size_t>(pageId)];
     if (slot == nullptr) {
-        // No section has its own page yet: each shows what it is and that
-        // it is coming.
-        QString caption;
-        for (const core::MenuRow& row : state_.menuItems) {
-            if (row.tp == core::menukind::page && row.id == pageId) {
-                caption = translatedText(state_, row.name);
+        if (pageId == kDiaryPage) {
+            auto* diary = new diary::note(
+                diary::NoteServices{context_, services_.pictures, *popups_,
+                                    [this](const std::string& caption) { comingSoon(caption); }},
+                this);
+            // The editor comes back to the diary, which reloads its year
+            // and finds the day it was opened from.
+            QPointer<diary::note> page = diary;
+            diary->setDayOpener([this, page](const diary::DayNote& day, QRect anchor) {
+                if (!day.dat) {
+                    return;
+                }
+                const QRect here(mapFrom(window(), anchor.topLeft()), anchor.size());
+                openDayEditor(
+                    *day.dat, state_.activeGid,
+                    [page] {
+                        if (page != nullptr) {
+                            page->reload();
+                        }
+                    },
+                    here);
+            });
+            slot = diary;
+        } else {
+            // Sections without their own page yet show what they are and
+            // that they are coming.
+            QString caption;
+            for (const core::MenuRow& row : state_.menuItems) {
+                if (row.tp == core::menukind::page && row.id == pageId) {
+                    caption = translatedText(state_, row.name);
+                }
             }
+            slot = new comingPage(pageId, caption, state_, services_.pictures, this);
         }
-        slot = new comingPage(pageId, caption, state_, services_.pictures, this);
         if (pageId < static_cast<int>(kTabNames.size())) {
             slot->setObjectName(QString::fromLatin1(kTabNames[static_cast<std::size_t>(pageId)]));
         }
@@ -394,6 +431,10 @@ bool ViewController::eventFilter(QObject* watched, QEvent* event) {
                 const QPoint moved = global - *pressAt_;
                 if (std::abs(moved.x()) < kSwipeStart ||
                     std::abs(moved.x()) < 2 * std::abs(moved.y()) || !canMove() || isSliding()) {
+                    return false;
+                }
+                if (moved.x() < 0 && pressed_ != nullptr && usesLeftDrags(pressed_)) {
+                    pressAt_.reset();
                     return false;
                 }
                 swiping_ = true;

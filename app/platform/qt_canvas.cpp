@@ -1,9 +1,12 @@
 #include "platform/qt_canvas.h"
 
+#include <QFileInfo>
 #include <QGuiApplication>
+#include <QImageReader>
 #include <QPagedPaintDevice>
 #include <QPainter>
 #include <QPainterPath>
+#include <QPixmapCache>
 #include <QTextLayout>
 
 #include <cmath>
@@ -110,7 +113,8 @@ QtCanvas::QtCanvas(QPainter& painter, const QtPictures& pictures, QPagedPaintDev
     painter_->setRenderHint(QPainter::TextAntialiasing);
 }
 
-QtCanvas::QtCanvas(const QPaintDevice& device) : device_(&device) {}
+QtCanvas::QtCanvas(const QPaintDevice& device, bool remember)
+    : device_(&device), remember_(remember) {}
 
 int QtCanvas::dpi() const {
     // Read each time: a window moved to another screen changes it.
@@ -131,8 +135,23 @@ Size QtCanvas::measureText(std::string_view text, const Font& font, double width
     if (text.empty()) {
         return {};
     }
-    const LaidText laid = layText(text, toQFont(font, dpi()), device_, width, TextAlign::Left);
-    return {laid.size.width(), laid.size.height()};
+    const int resolution = dpi();
+    const auto lay = [&] {
+        const LaidText laid =
+            layText(text, toQFont(font, resolution), device_, width, TextAlign::Left);
+        return Size{laid.size.width(), laid.size.height()};
+    };
+    if (!remember_) {
+        return lay();
+    }
+    MeasureKey key{std::string(text), font.size, static_cast<int>(font.weight),
+                   font.italic,       width,     resolution};
+    if (const auto known = measured_.find(key); known != measured_.end()) {
+        return known->second;
+    }
+    const Size size = lay();
+    measured_.emplace(std::move(key), size);
+    return size;
 }
 
 void QtCanvas::drawText(std::string_view text, const Rect& box, const Font& font,
@@ -209,6 +228,50 @@ void QtCanvas::drawImage(std::string_view picture, const Rect& rect, double opac
     if (painter_ != nullptr && pictures_ != nullptr) {
         pictures_->draw(*painter_, picture, toQRect(rect), opacity);
     }
+}
+
+void QtCanvas::drawImageFile(std::string_view path, const Rect& rect, double opacity) {
+    if (painter_ == nullptr) {
+        return;
+    }
+    const QString name = QString::fromUtf8(path.data(), static_cast<qsizetype>(path.size()));
+    const QFileInfo info(name);
+    if (!info.isFile()) {
+        return;
+    }
+    // A list scrolled back and forth draws the same thumbnails again and
+    // again; the file's time in the key lets a replaced photo show at once.
+    const QString key = QStringLiteral("file:") + name + QLatin1Char(':') +
+                        QString::number(info.lastModified().toMSecsSinceEpoch()) +
+                        QLatin1Char(':') + QString::number(info.size());
+    QPixmap pixmap;
+    if (!QPixmapCache::find(key, &pixmap)) {
+        QImageReader reader(name);
+        reader.setAutoTransform(true);
+        // Only as large as it is drawn: a full photo named here must not be
+        // decoded at its own size on every row.
+        const QSize full = reader.size();
+        const QSize wanted = QSizeF(rect.width * 2, rect.height * 2).toSize();
+        if (full.isValid() && (full.width() > wanted.width() || full.height() > wanted.height())) {
+            reader.setScaledSize(full.scaled(wanted, Qt::KeepAspectRatio));
+        }
+        const QImage image = reader.read();
+        if (image.isNull()) {
+            return;
+        }
+        pixmap = QPixmap::fromImage(image);
+        QPixmapCache::insert(key, pixmap);
+    }
+    const QSizeF fitted =
+        QSizeF(pixmap.size()).scaled(QSizeF(rect.width, rect.height), Qt::KeepAspectRatio);
+    const QRectF target(rect.x + (rect.width - fitted.width()) / 2,
+                        rect.y + (rect.height - fitted.height()) / 2, fitted.width(),
+                        fitted.height());
+    painter_->save();
+    painter_->setOpacity(painter_->opacity() * opacity);
+    painter_->setRenderHint(QPainter::SmoothPixmapTransform);
+    painter_->drawPixmap(target, pixmap, QRectF(pixmap.rect()));
+    painter_->restore();
 }
 
 void QtCanvas::save() {

@@ -3,6 +3,10 @@
 #include <QColor>
 #include <QFont>
 
+#include <map>
+#include <string>
+#include <tuple>
+
 #include "platform/canvas.h"
 
 class QPaintDevice;
@@ -25,8 +29,11 @@ public:
     // Draws with the painter; with pages, newPage starts the next page.
     QtCanvas(QPainter& painter, const QtPictures& pictures, QPagedPaintDevice* pages = nullptr);
     // Only measures, as the device would draw; drawing does nothing. The
-    // device must outlive the canvas.
-    explicit QtCanvas(const QPaintDevice& device);
+    // device must outlive the canvas. With `remember` a text is laid out
+    // once however often it is measured, which is what laying out a list
+    // of days wants; such a canvas is for one thread and one piece of work.
+    // An image is a device any thread may measure on.
+    explicit QtCanvas(const QPaintDevice& device, bool remember = false);
 
     Size measureText(std::string_view text, const Font& font, double width) const override;
     void drawText(std::string_view text, const Rect& box, const Font& font, const Color& color,
@@ -42,6 +49,7 @@ public:
     void strokePath(const Path& path, const Color& color, double width) override;
     void fillPath(const Path& path, const Color& color) override;
     void drawImage(std::string_view picture, const Rect& rect, double opacity = 1) override;
+    void drawImageFile(std::string_view path, const Rect& rect, double opacity = 1) override;
     void save() override;
     void restore() override;
     void clip(const Rect& rect) override;
@@ -57,6 +65,9 @@ private:
     const QtPictures* pictures_ = nullptr;
     QPagedPaintDevice* pages_ = nullptr;
     const QPaintDevice* device_ = nullptr;
+    bool remember_ = false;
+    using MeasureKey = std::tuple<std::string, double, int, bool, double, int>;
+    mutable std::map<MeasureKey, Size> measured_;
 };
 
 }  // namespace tilika::platform

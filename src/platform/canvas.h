@@ -115,6 +115,9 @@ public:
     // The picture stretched into the rectangle; nothing when there is no
     // picture of that name.
     virtual void drawImage(std::string_view picture, const Rect& rect, double opacity = 1) = 0;
+    // A picture file of the user's (a day's photo), fitted into the
+    // rectangle keeping its proportions; nothing when it can't be read.
+    virtual void drawImageFile(std::string_view path, const Rect& rect, double opacity = 1) = 0;
 
     // Clipping and the whole state of the surface are kept on a stack.
     virtual void save() = 0;

@@ -197,6 +197,13 @@ void RecordingCanvas::drawImage(std::string_view picture, const Rect& rect, doub
     c.opacity = opacity;
 }
 
+void RecordingCanvas::drawImageFile(std::string_view path, const Rect& rect, double opacity) {
+    auto& c = add(DrawCommand::Kind::ImageFile);
+    c.text = path;
+    c.rect = rect;
+    c.opacity = opacity;
+}
+
 void RecordingCanvas::save() {
     add(DrawCommand::Kind::Save);
 }
@@ -246,6 +253,9 @@ void RecordingCanvas::replay(Canvas& target) const {
                 break;
             case Kind::Image:
                 target.drawImage(c.text, c.rect, c.opacity);
+                break;
+            case Kind::ImageFile:
+                target.drawImageFile(c.text, c.rect, c.opacity);
                 break;
             case Kind::Save:
                 target.save();

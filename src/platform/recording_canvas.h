@@ -21,6 +21,7 @@ struct DrawCommand {
         StrokePath,
         FillPath,
         Image,
+        ImageFile,
         Save,
         Restore,
         Clip,
@@ -30,7 +31,7 @@ struct DrawCommand {
     Rect rect;  // the box of text, shapes, arcs, pictures and clips
     Point from;
     Point to;
-    std::string text;  // the text, or the picture's name
+    std::string text;  // the text, the picture's name or the picture file's path
     Font font;
     Color color;
     TextAlign align = TextAlign::Left;
@@ -63,6 +64,7 @@ public:
     void strokePath(const Path& path, const Color& color, double width) override;
     void fillPath(const Path& path, const Color& color) override;
     void drawImage(std::string_view picture, const Rect& rect, double opacity = 1) override;
+    void drawImageFile(std::string_view path, const Rect& rect, double opacity = 1) override;
     void save() override;
     void restore() override;
     void clip(const Rect& rect) override;
