@@ -66,6 +66,8 @@ public:
     // What the day editor calls when it closes: the same year, scrolled
     // back to the day that was opened.
     void reload() { prepare(gid_, false); }
+    // The child whose diary is shown.
+    const std::string& gid() const { return gid_; }
 
     void updateSearch(const QString& text);
     void changeYear(int step);

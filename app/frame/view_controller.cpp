@@ -175,7 +175,7 @@ Tab* ViewController::tab(int pageId) {
                 }
                 const QRect here(mapFrom(window(), anchor.topLeft()), anchor.size());
                 openDayEditor(
-                    *day.dat, state_.activeGid,
+                    *day.dat, page->gid(),
                     [page] {
                         if (page != nullptr) {
                             page->reload();
