@@ -18,6 +18,7 @@
 #include "core/settings_keys.h"
 #include "diary/day_rows.h"
 #include "diary/note.h"
+#include "diary/note_edit.h"
 #include "diary/profiles.h"
 #include "frame/main_menu.h"
 #include "frame/menu_views.h"
@@ -139,6 +140,40 @@ private slots:
         cancel->click();
         QVERIFY(search->text().isEmpty());
         QCOMPARE(page->table()->model()->rowCount(), all);
+    }
+
+    void aDayOpenedFromTheListIsEditedAndShownOnReturn() {
+        launchPastWelcome();
+        const std::string gid = addChildBorn("2025-03-20");
+        put(gid, "2026-11-20", "ves", "11.200");
+        diary::note* page = open(gid);
+        // The day with the weight is the one the search finds.
+        auto* search = page->findChild<QLineEdit*>(QStringLiteral("search"));
+        search->insert(QStringLiteral("вес"));
+        click(page, "searchButton");
+        QCOMPARE(page->year().noteData.size(), 1u);
+        const QRect first = page->table()->visualRect(page->table()->model()->index(1, 0));
+        QTest::mouseClick(page->table()->viewport(), Qt::LeftButton, {},
+                          first.topLeft() + QPoint(20, 20));
+        diary::noteEdit* editor = root_->dayEditor();
+        QVERIFY(editor != nullptr);
+        QTRY_VERIFY(editor->isOpen());
+        QCOMPARE(editor->captionLabel()->text(), QStringLiteral("20.11.2026"));
+
+        std::size_t noteRow = 0;
+        const auto& data = editor->editor().noteData();
+        while (noteRow < data.size() && data[noteRow].field != "note") {
+            ++noteRow;
+        }
+        QVERIFY(noteRow < data.size());
+        editor->editor().editData(noteRow, "Первые шаги");
+        QTest::keyClick(editor, Qt::Key_Escape);
+        QTRY_VERIFY(!editor->isOpen());
+        QTRY_VERIFY(!page->generating());
+        // The list came back with the note, the search still applied.
+        QCOMPARE(page->year().noteData.size(), 1u);
+        const diary::DayNote& shown = page->year().mainData[page->year().noteData.front()];
+        QCOMPARE(shown.value("note"), std::string("Первые шаги"));
     }
 
     void daysAreDeletedInTwoSteps() {
