@@ -19,6 +19,8 @@
 #include <QVBoxLayout>
 #include <QtConcurrent/QtConcurrentRun>
 
+#include <chrono>
+
 #include "core/app_state.h"
 #include "core/context.h"
 #include "core/database.h"
@@ -513,8 +515,8 @@ void note::changeYear(int step) {
 }
 
 void note::twoTouch() {
-    const QDateTime now = QDateTime::currentDateTime();
-    if (lastTwoDate_.isValid() && lastTwoDate_.msecsTo(now) < 1000) {
+    const core::Date now = services_.context.dates.now();
+    if (lastTwoDate_ && now - *lastTwoDate_ < std::chrono::seconds(1)) {
         return;
     }
     lastTwoDate_ = now;

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QDateTime>
 #include <QPointer>
 #include <QRect>
 
@@ -112,7 +111,7 @@ private:
     NoteYear year_;
     TablePosition todayDic_;
     std::optional<core::Date> lastDic_;
-    QDateTime lastTwoDate_;
+    std::optional<core::Date> lastTwoDate_;
     QString searchText_;
     bool helpShown_ = false;
 

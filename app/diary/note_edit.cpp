@@ -24,6 +24,8 @@
 #include "development/ruler_view.h"
 #include "diary/photo_source.h"
 #include "diary/value_codecs.h"
+#include "frame/form_kinds.h"
+#include "frame/form_moments.h"
 #include "frame/form_row_views.h"
 #include "frame/form_values.h"
 #include "frame/look.h"
@@ -426,14 +428,20 @@ void noteEdit::detailClick(std::size_t index) {
             return;
         case tp::popupList:
         case tp::popupText: {
-            const bool time = row.tp == tp::popupList;
-            const QString format = time ? QStringLiteral("HH:mm") : QStringLiteral("dd.MM.yyyy");
+            // The value is read and written as the form's time or date rows
+            // keep theirs, through the core's dates.
+            frame::FormRow moment = row;
+            moment.tp = row.tp == tp::popupList ? frame::formkind::time : frame::formkind::date;
+            const core::Dates& dates = services_.context.dates;
+            const core::Date now = dates.now();
             services_.forms.popups.popupDetail(
-                time ? frame::popupkind::time : frame::popupkind::date, qs(row.editdescr),
-                QDateTime::fromString(qs(row.source), format), this, 0,
-                [this, index, format](int /*flag*/, const QVariant& value) {
-                    if (editor_.editData(index,
-                                         value.toDateTime().toString(format).toStdString())) {
+                frame::momentKind(moment.tp)->popup, qs(row.editdescr),
+                platform::toQDateTime(frame::rowMoment(moment, dates, now).value_or(now),
+                                      dates.timeZoneId()),
+                this, 0, [this, index, kind = moment.tp](int /*flag*/, const QVariant& value) {
+                    const std::string picked = frame::momentSource(
+                        kind, platform::fromQDateTime(value.toDateTime()), services_.context.dates);
+                    if (editor_.editData(index, picked)) {
                         reload();
                     }
                 });
