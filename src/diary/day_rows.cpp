@@ -16,6 +16,38 @@ std::string dayText(const core::Dates& dates, core::Date date) {
 
 }  // namespace
 
+// A prepared statement lent for one use, and made ready for the next when
+// the use ends: a statement left part-way through its rows would hold the
+// database's read lock.
+class DayRows::Prepared {
+public:
+    explicit Prepared(SQLite::Statement& statement) : statement_(statement) {}
+    // A failed step is told by the statement itself; here it must not throw.
+    ~Prepared() {
+        statement_.tryReset();
+        statement_.clearBindings();
+    }
+    Prepared(const Prepared&) = delete;
+    Prepared& operator=(const Prepared&) = delete;
+    SQLite::Statement* operator->() { return &statement_; }
+    SQLite::Statement& operator*() { return statement_; }
+
+private:
+    SQLite::Statement& statement_;
+};
+
+DayRows::DayRows(SQLite::Database& db, const core::Dates& dates) : db_(db), dates_(dates) {}
+
+DayRows::~DayRows() = default;
+
+DayRows::Prepared DayRows::prepared(Statement which, const char* sql) {
+    std::unique_ptr<SQLite::Statement>& statement = statements_[which];
+    if (statement == nullptr) {
+        statement = std::make_unique<SQLite::Statement>(db_, sql);
+    }
+    return Prepared(*statement);
+}
+
 void DayRows::note(core::WriteResult statement) {
     if (result_ && !statement) {
         result_ = statement;
@@ -35,13 +67,13 @@ void DayRows::insertValue(std::string_view type, std::string_view value, core::D
     }
     note(core::tryWrite("insertValue", [&] {
         core::WriteTransaction part(db_);
-        SQLite::Statement insert(
-            db_, "insert into childdata (type, value, sdat, childguid) values (?,?,?,?)");
-        insert.bind(1, std::string(type));
-        insert.bind(2, std::string(value));
-        core::dateToBase(dates_, insert, 3, dates_.noTime(curdate), false);
-        insert.bind(4, std::string(gid));
-        insert.exec();
+        Prepared insert = prepared(
+            kInsert, "insert into childdata (type, value, sdat, childguid) values (?,?,?,?)");
+        insert->bind(1, std::string(type));
+        insert->bind(2, std::string(value));
+        core::dateToBase(dates_, *insert, 3, dates_.noTime(curdate), false);
+        insert->bind(4, std::string(gid));
+        insert->exec();
         part.commit();
     }));
 }
@@ -49,13 +81,13 @@ void DayRows::insertValue(std::string_view type, std::string_view value, core::D
 void DayRows::deleteValue(std::string_view type, core::Date curdate, std::string_view gid) {
     note(core::tryWrite("deleteValue", [&] {
         core::WriteTransaction part(db_);
-        SQLite::Statement remove(db_,
-                                 "delete from childdata where childguid=? and "
-                                 "date(sdat)=date(?) and type=?");
-        remove.bind(1, std::string(gid));
-        remove.bind(2, dayText(dates_, curdate));
-        remove.bind(3, std::string(type));
-        remove.exec();
+        Prepared remove = prepared(kDelete,
+                                   "delete from childdata where childguid=? and "
+                                   "date(sdat)=date(?) and type=?");
+        remove->bind(1, std::string(gid));
+        remove->bind(2, dayText(dates_, curdate));
+        remove->bind(3, std::string(type));
+        remove->exec();
         part.commit();
     }));
 }
@@ -75,14 +107,14 @@ void DayRows::deleteDay(core::Date curdate, std::string_view gid) {
 std::string DayRows::getDateValue(core::Date date, std::string_view type, std::string_view gid) {
     std::string value;
     note(core::tryWrite("getDateValue", [&] {
-        SQLite::Statement query(db_,
-                                "select value from childdata where childguid=? and "
-                                "date(sdat)=date(?) and type=?");
-        query.bind(1, std::string(gid));
-        query.bind(2, dayText(dates_, date));
-        query.bind(3, std::string(type));
-        if (query.executeStep()) {
-            value = core::stringFromBase(query, 0).value_or("");
+        Prepared query = prepared(kRead,
+                                  "select value from childdata where childguid=? and "
+                                  "date(sdat)=date(?) and type=?");
+        query->bind(1, std::string(gid));
+        query->bind(2, dayText(dates_, date));
+        query->bind(3, std::string(type));
+        if (query->executeStep()) {
+            value = core::stringFromBase(*query, 0).value_or("");
         }
     }));
     return value;

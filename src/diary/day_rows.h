@@ -2,6 +2,8 @@
 
 #include <SQLiteCpp/Database.h>
 
+#include <array>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -22,7 +24,8 @@ namespace tilika::diary {
 // that fails also fails the caller's transaction when it commits.
 class DayRows {
 public:
-    DayRows(SQLite::Database& db, const core::Dates& dates) : db_(db), dates_(dates) {}
+    DayRows(SQLite::Database& db, const core::Dates& dates);
+    ~DayRows();
 
     // Writes the value of a type on a day. An empty value writes nothing and
     // deletes nothing. With `justnew` an existing row is left as it is; with
@@ -50,9 +53,17 @@ public:
     core::WriteResult result() const { return result_; }
 
 private:
+    // The statements every day's write uses, prepared once for these rows:
+    // a course spread over a hundred days would otherwise spend much of its
+    // time preparing the same few statements again.
+    enum Statement : std::size_t { kInsert, kDelete, kRead, kStatements };
+    class Prepared;
+    Prepared prepared(Statement which, const char* sql);
+
     void note(core::WriteResult statement);
 
     SQLite::Database& db_;
+    std::array<std::unique_ptr<SQLite::Statement>, kStatements> statements_;
     const core::Dates& dates_;
     std::optional<core::Date> lastValueDate_;
     core::WriteResult result_;
