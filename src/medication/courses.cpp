@@ -62,18 +62,6 @@ std::string keyOf(const json& record) {
     return hasKey(record) ? record["key"].get<std::string>() : std::string();
 }
 
-// A "like" pattern that matches the key as it stands, wherever it is.
-std::string containsPattern(std::string_view key) {
-    std::string pattern = "%";
-    for (char c : key) {
-        if (c == '%' || c == '_' || c == '\\') {
-            pattern += '\\';
-        }
-        pattern += c;
-    }
-    return pattern + "%";
-}
-
 // Any offset below zero means the same: no day at all.
 int clampedOffset(long long offset) {
     return static_cast<int>(std::clamp(offset, -1LL, kMaxLastOffset));
@@ -104,6 +92,11 @@ int Courses::lastOffset(std::string_view pilllength, core::Date start) const {
     return 0;
 }
 
+std::optional<core::Date> Courses::firstDay(const json& course) const {
+    return dates_.dateFromStringFormat(diary::jsonText(course, "pillsdate"),
+                                       core::formats::screenDay);
+}
+
 void Courses::addNoteComplex(std::string_view type, std::string_view value,
                              const std::vector<diary::ListRow>& listData, std::string_view gid,
                              core::Date curdate) {
@@ -128,9 +121,7 @@ void Courses::addNoteComplex(std::string_view type, std::string_view value,
         diary::checkStringToRead(diary::jsonText(course, "pillperiod"), listData);
     // The form always fills the first day; a course whose first day can't be
     // read starts on the day it was saved on rather than being lost.
-    const core::Date start =
-        dates_.dateFromStringFormat(diary::jsonText(course, "pillsdate"), core::formats::screenDay)
-            .value_or(dates_.noTime(curdate));
+    const core::Date start = firstDay(course).value_or(dates_.noTime(curdate));
     const int last = lastOffset(diary::jsonText(course, "pilllength"), start);
 
     for (int offset = 0; offset <= last;) {
@@ -156,7 +147,8 @@ void Courses::addNoteComplex(std::string_view type, std::string_view value,
     }
 }
 
-void Courses::removeNoteComplex(std::string_view type, std::string_view key) {
+void Courses::removeNoteComplex(std::string_view type, std::string_view key,
+                                std::string_view course) {
     // An empty key would match every row.
     if (key.empty()) {
         return;
@@ -170,11 +162,26 @@ void Courses::removeNoteComplex(std::string_view type, std::string_view key) {
     // Collected first: the rows are rewritten below, which must not happen
     // under a statement still reading the table.
     const core::WriteResult read = core::tryWrite("removeNoteComplex", [&] {
+        // A course was spread from its first day over its length and lies
+        // nowhere else, so its days are all that need reading; years of
+        // diary are read only for a course whose first day is unknown.
         SQLite::Statement query(db_,
-                                "select childguid, sdat, value from childdata "
-                                "where type=? and value like ? escape '\\'");
+                                "select childguid, sdat, value from childdata where type=? and "
+                                "date(sdat) between date(?) and date(?) and instr(value, ?) > 0");
         query.bind(1, std::string(type));
-        query.bind(2, containsPattern(key));
+        const json record = diary::jsonToDictionary(course);
+        const std::optional<core::Date> start = firstDay(record);
+        if (start) {
+            core::dateToBase(dates_, query, 2, *start, false);
+            core::dateToBase(
+                dates_, query, 3,
+                dates_.addDays(*start, lastOffset(diary::jsonText(record, "pilllength"), *start)),
+                false);
+        } else {
+            query.bind(2, "0000-01-01");
+            query.bind(3, "9999-12-31");
+        }
+        query.bind(4, std::string(key));
         while (query.executeStep()) {
             std::optional<std::string> gid = core::stringFromBase(query, 0);
             if (!gid) {
@@ -258,9 +265,10 @@ void Courses::saveNoteComplex(std::string_view type, std::string_view value, cor
 
     settleEditedDay(type, value, curdate, gid);
 
-    for (const std::string& key : beforeKeys) {
-        if (!nowKeys.contains(key)) {
-            removeNoteComplex(type, key);
+    std::set<std::string> removed;
+    for (std::size_t i = 0; i < before.key.size(); ++i) {
+        if (!nowKeys.contains(before.key[i]) && removed.insert(before.key[i]).second) {
+            removeNoteComplex(type, before.key[i], before.keyvalue[i]);
         }
     }
     std::set<std::string> spread;

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <SQLiteCpp/Database.h>
+#include <nlohmann/json.hpp>
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -44,8 +46,10 @@ public:
                         core::Date curdate);
 
     // Takes the course with this key out of every day of every child; a day
-    // left with no course loses its row.
-    void removeNoteComplex(std::string_view type, std::string_view key);
+    // left with no course loses its row. Given the course itself (JSON text),
+    // only the days it was spread over are looked at.
+    void removeNoteComplex(std::string_view type, std::string_view key,
+                           std::string_view course = {});
 
     // Brings the courses in line with the edited value of one day, whose
     // stored value `old` the caller has just written back: courses gone from
@@ -59,6 +63,8 @@ public:
     core::WriteResult result() const { return read_ ? rows_.result() : read_; }
 
 private:
+    // The first day of a course, when it can be read.
+    std::optional<core::Date> firstDay(const nlohmann::json& course) const;
     // The last day of a course as an offset from its first day.
     int lastOffset(std::string_view pilllength, core::Date start) const;
     // Clears what the caller wrote back on the edited day and the new value
@@ -78,8 +84,9 @@ public:
     explicit CourseReconciler(const core::Dates& dates) : dates_(dates) {}
 
     core::WriteResult reconcile(SQLite::Database& db, std::string_view type, std::string_view value,
-                   core::Date day, std::string_view gid, const std::vector<diary::ListRow>& lists,
-                   std::string_view old) const override;
+                                core::Date day, std::string_view gid,
+                                const std::vector<diary::ListRow>& lists,
+                                std::string_view old) const override;
 
 private:
     const core::Dates& dates_;

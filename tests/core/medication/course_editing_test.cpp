@@ -191,6 +191,17 @@ TEST_F(CourseEditingTest, OldValuesAndOtherChildrensCoursesStayAsTheyAre) {
     EXPECT_EQ(rows.getDateValue(at("2026-11-22"), "pills", sister),
               json::array({course("50%x", "22.11.2026")}).dump());
 
+    // A course whose first day can't be read is looked for on every day.
+    for (const char* day : {"2026-11-27", "2026-11-28"}) {
+        rows.insertValue("pills", json::array({course("undated", "")}).dump(), at(day), gid, true,
+                         false);
+    }
+    open("2026-11-28");
+    editor.deleteElement(row("pills"), 0);
+    editor.editData(row("note"), "тоже отменили");
+    ASSERT_TRUE(editor.save(true).ok());
+    EXPECT_EQ(rows.getDateValue(at("2026-11-27"), "pills", gid), "");
+
     // A course whose key is a number is a course never spread: its save
     // spreads it under a key of its own.
     const std::string numbered = json::array({course(7, "24.11.2026")}).dump();
