@@ -1,6 +1,7 @@
 // The diary on years of data: one dense year of a child read raw from SQLite
-// (the floor), loaded for the diary with and without its empty days, and a
-// day saved that adds a 30-day medicine course.
+// (the floor), loaded for the diary with and without its empty days, a day
+// saved that adds a 30-day medicine course, one that edits a 3-month course,
+// and the times the course form works out for a course.
 //
 //   build/bench/tilika_bench --benchmark_filter=Diary
 
@@ -15,10 +16,14 @@
 #include "core/dates.h"
 #include "core/ids.h"
 #include "core/settings_file.h"
+#include "core/text.h"
 #include "diary/diary_store.h"
 #include "diary/value_codecs.h"
 #include "diary_sample.h"
+#include "frame/form_values.h"
+#include "medication/course_form.h"
 #include "medication/courses.h"
+#include "medication/dose_times.h"
 #include "platform/clock.h"
 #include "platform/folders.h"
 #include "platform/settings_store.h"
@@ -122,6 +127,98 @@ void BM_DiarySaveDayAddingACourse(benchmark::State& state) {
     }
 }
 
+// The day's rows as the editor has them, and where the courses are.
+std::vector<diary::CatalogueRow> dayRows(Sample& s, core::Date day,
+                                         const std::vector<diary::ListRow>& list,
+                                         std::size_t& pillsRow) {
+    std::vector<diary::CatalogueRow> rows;
+    s.store().noteStructToTodayNote(s.store().todayNoteForDay(day, s.gid()), rows, list);
+    pillsRow = static_cast<std::size_t>(
+        std::find_if(rows.begin(), rows.end(),
+                     [](const auto& row) { return row.tp == diary::tp::medication; }) -
+        rows.begin());
+    return rows;
+}
+
+void BM_DiarySaveDayEditingACourse(benchmark::State& state) {
+    Sample& s = sample();
+    const core::Date start = s.dates().addDays(s.yearStart(), 150);
+    const core::Date middle = s.dates().addDays(start, 45);
+    std::vector<diary::ListRow> list;
+    s.store().lists().loadConstList(list, diary::cotype::all, "");
+    std::size_t pillsRow = 0;
+    std::vector<diary::CatalogueRow> startRows = dayRows(s, start, list, pillsRow);
+    const std::string startBefore = startRows[pillsRow].source;
+
+    nlohmann::json courses = diary::jsonToArray(startBefore);
+    if (!courses.is_array()) {
+        courses = nlohmann::json::array();
+    }
+    courses.push_back({{"pillname", core::newID2(core::idkind::seededRow, 8)},
+                       {"pilldoza", "1<td>шт."},
+                       {"pillinter", "3<td>раз в день"},
+                       {"pillperiod", core::newID2(core::idkind::seededRow, 10)},
+                       {"pilleat", core::newID2(core::idkind::seededRow, 18)},
+                       {"pilllength", "3<td>месяцы"},
+                       {"pillsdate", s.dates().dateToString(start, core::formats::screenDay)}});
+    startRows[pillsRow].source = diary::jsonFromObject(courses);
+    if (!s.store().saveNoteData(1, startRows, list, s.gid(), start)) {
+        state.SkipWithError("the course could not be entered");
+        return;
+    }
+
+    int dose = 1;
+    for (auto _ : state) {
+        state.PauseTiming();
+        // What the course form gives back: the course with another dose and
+        // no key, in its place among the middle day's courses.
+        std::vector<diary::CatalogueRow> rows = dayRows(s, middle, list, pillsRow);
+        nlohmann::json onDay = diary::jsonToArray(rows[pillsRow].source);
+        nlohmann::json& course = onDay.back();
+        course.erase("key");
+        dose = dose % 3 + 1;
+        course["pilldoza"] = std::to_string(dose) + "<td>шт.";
+        rows[pillsRow].source = diary::jsonFromObject(onDay);
+        state.ResumeTiming();
+
+        if (!s.store().saveNoteData(1, rows, list, s.gid(), middle)) {
+            state.SkipWithError("the day could not be saved");
+            break;
+        }
+    }
+
+    // The first day without the course takes it off all its days again.
+    startRows = dayRows(s, start, list, pillsRow);
+    startRows[pillsRow].source = startBefore;
+    if (!s.store().saveNoteData(1, startRows, list, s.gid(), start)) {
+        state.SkipWithError("the course could not be removed");
+    }
+}
+
+// What a change of the doses a day costs the course form: the lists and the
+// meal times read, and the times worked out.
+void BM_CourseFormTimes(benchmark::State& state) {
+    Sample& s = sample();
+    std::vector<diary::ListRow> list;
+    s.store().lists().loadConstList(list, diary::cotype::all, "");
+    diary::EntryForm form = medication::courseForm(std::nullopt, "22.11.2026", list);
+    form.defaults["pillinter"] = "5<td>раз в день";
+    form.defaults["pilleat"] = core::newID2(core::idkind::seededRow, 18);
+    frame::fillSources(form.rows, form.defaults);
+    std::string times;
+    for (auto _ : state) {
+        std::vector<diary::ListRow> lists;
+        s.store().lists().loadConstList(lists, diary::cotype::all, "");
+        const medication::DoseTimes doseTimes(s.dates(), lists,
+                                              medication::getObed(s.database().connectToBase()));
+        times = doseTimes.getCurrentPillTime(form.rows);
+        benchmark::DoNotOptimize(times.data());
+    }
+    if (core::split(times, "<td>").size() != 5) {
+        state.SkipWithError("the times were not worked out");
+    }
+}
+
 }  // namespace
 
 BENCHMARK(BM_DiaryLoadEveryDay)->Unit(benchmark::kMillisecond);
@@ -129,3 +226,5 @@ BENCHMARK(BM_DiaryLoadWithoutEmptyDays)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_DiaryYearPhotoLookups)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_DiaryYearDayTexts)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_DiarySaveDayAddingACourse)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_DiarySaveDayEditingACourse)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_CourseFormTimes)->Unit(benchmark::kMicrosecond);
