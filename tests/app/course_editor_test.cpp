@@ -1,5 +1,6 @@
 #include <QAbstractButton>
 #include <QLabel>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
 #include <QScrollArea>
@@ -217,6 +218,30 @@ private slots:
         QTest::qWait(50);
         save(root_->grab(), "course_in_editor.png");
 
+        // A medicine added to the list from the form reads by its name at once.
+        frame::dic* form = openCourseForm();
+        QVERIFY(form != nullptr);
+        qobject_cast<QAbstractButton*>(withTag(form, kName))->click();
+        frame::dic* pick = form->subForm();
+        QVERIFY(pick != nullptr && pick->isVisible());
+        pick->findChild<QAbstractButton*>(QStringLiteral("addItem"))->click();
+        frame::dic* added = pick->subForm();
+        QVERIFY(added != nullptr && added->isVisible());
+        added->findChild<QLineEdit*>()->setText(QStringLiteral("Зиртек"));
+        okOf(added)->click();
+        QVERIFY(!added->isOpen());
+        QAbstractButton* item = listItem(pick, QStringLiteral("Зиртек"));
+        QVERIFY(item != nullptr);
+        if (!item->isChecked()) {
+            item->click();
+        }
+        okOf(pick)->click();
+        QCOMPARE(valueOf(kName), QStringLiteral("Зиртек"));
+        okOf(form)->click();
+        QCOMPARE(pillLines().size(), 3);
+        QVERIFY2(pillLines()[2].startsWith(QStringLiteral("Зиртек: 3 штуки, ")),
+                 qPrintable(pillLines()[2]));
+
         // An old plain value shows as stored, and can only be removed.
         diary::noteEdit* editor = root_->dayEditor();
         editor->findChild<QToolButton*>(QStringLiteral("prevDay"))->click();
@@ -398,17 +423,21 @@ private:
         popupOk();
     }
 
+    static QAbstractButton* listItem(frame::dic* pick, const QString& caption) {
+        for (auto* button : pick->findChildren<QAbstractButton*>(QStringLiteral("listItem"))) {
+            if (button->accessibleName() == caption) {
+                return button;
+            }
+        }
+        return nullptr;
+    }
+
     // Picks an item of a list row in the form the row opens, and confirms.
     void pickFromList(int row, const QString& caption) {
         qobject_cast<QAbstractButton*>(withTag(form(), row))->click();
         frame::dic* pick = form()->subForm();
         QVERIFY(pick != nullptr && pick->isVisible());
-        QAbstractButton* item = nullptr;
-        for (auto* button : pick->findChildren<QAbstractButton*>(QStringLiteral("listItem"))) {
-            if (button->accessibleName() == caption) {
-                item = button;
-            }
-        }
+        QAbstractButton* item = listItem(pick, caption);
         QVERIFY2(item != nullptr, qPrintable(caption));
         item->click();
         okOf(pick)->click();
