@@ -19,10 +19,12 @@
 
 #include "core/app_state.h"
 #include "core/context.h"
+#include "core/database.h"
 #include "core/dates.h"
 #include "core/text.h"
 #include "development/ruler_view.h"
 #include "diary/photo_source.h"
+#include "diary/reference_lists.h"
 #include "diary/value_codecs.h"
 #include "frame/form_kinds.h"
 #include "frame/form_moments.h"
@@ -34,6 +36,7 @@
 #include "frame/popup_panels.h"
 #include "frame/popups.h"
 #include "medication/course_form.h"
+#include "medication/dose_times.h"
 #include "platform/qt_date.h"
 #include "platform/qt_image_codec.h"
 #include "platform/qt_pictures.h"
@@ -503,6 +506,7 @@ void noteEdit::editDicDialog(std::size_t index, int pos) {
         services_.comingSoon(row.editcap);
         return;
     }
+    const bool course = row.field == "pills";
     openForm(std::move(form), index, [this, index, pos](const frame::FormAnswer& answer) {
         const bool redraw = pos < 0 ? editor_.newPills(index, answer.rows)
                                     : editor_.editPills(index, pos, answer.rows);
@@ -511,6 +515,27 @@ void noteEdit::editDicDialog(std::size_t index, int pos) {
         }
         return true;
     });
+    if (course) {
+        // A course's times follow its doses a day and its meals; a time set by
+        // hand stays until one of those changes.
+        form_->setFollowRows([this](frame::FormRows& rows, std::string_view changed) {
+            medication::followCourseTimes(rows, changed, [this](const auto& fields) {
+                return std::optional<std::string>(courseTimes(fields));
+            });
+        });
+    }
+}
+
+std::string noteEdit::courseTimes(const std::map<std::string, std::string>& course) const {
+    // The lists are read afresh: the form may have just added a meal relation.
+    std::vector<ListRow> lists;
+    if (services_.forms.lists != nullptr) {
+        services_.forms.lists->loadConstList(lists, diary::cotype::all, "");
+    }
+    const medication::DoseTimes times(
+        services_.context.dates, lists,
+        medication::getObed(services_.context.database.connectToBase()));
+    return times.courseTimes(course);
 }
 
 void noteEdit::editMulti2(std::size_t index, std::size_t pos) {

@@ -5,6 +5,7 @@
 #include <QWidget>
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -105,6 +106,8 @@ private:
     void openForm(diary::EntryForm form, std::size_t index,
                   std::function<bool(const frame::FormAnswer&)> action);
     void editDicDialog(std::size_t index, int pos);
+    // The times a course's doses fall at, worked out from its fields.
+    std::string courseTimes(const std::map<std::string, std::string>& course) const;
     void editMulti2(std::size_t index, std::size_t pos);
     void afterEdit(std::size_t index, const frame::FormAnswer& answer);
     void setPhoto(const QImage& image);

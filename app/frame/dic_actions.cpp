@@ -121,8 +121,10 @@ void dic::timeClick(std::size_t index, std::size_t position) {
     const auto& row = detailAr_[index];
     const core::Date now = services_.dates.now();
     const QDateTime old =
-        platform::toQDateTime(timeOnDay(times[position], services_.dates, now).value_or(now),
-                              services_.dates.timeZoneId());
+        // A time that is no time (from another device) starts the dial at midnight.
+        platform::toQDateTime(
+            timeOnDay(times[position], services_.dates, now).value_or(services_.dates.noTime(now)),
+            services_.dates.timeZoneId());
     QPointer<dic> self(this);
     services_.popups.popupDetail(
         popupkind::time, shown(row.editdescr.empty() ? row.caption : row.editdescr), old, this,

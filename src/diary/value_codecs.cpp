@@ -325,7 +325,8 @@ CourseKeys extractKeys(std::string_view type, std::string_view value) {
         if (!record.is_object()) {
             continue;
         }
-        if (record.contains("key")) {
+        // Only a text is a key; a course with any other counts as new.
+        if (const auto key = record.find("key"); key != record.end() && key->is_string()) {
             keys.key.push_back(jsonText(record, "key"));
             keys.keyvalue.push_back(jsonFromObject(record));
         } else {

@@ -34,6 +34,13 @@ std::string captionText(std::string_view coname) {
     return std::string(coname.substr(0, coname.find(kTail)));
 }
 
+std::string indexByCaption(const std::vector<ListRow>& list, int tp, std::string_view caption) {
+    const auto found = std::find_if(list.begin(), list.end(), [&](const ListRow& row) {
+        return row.tp == tp && captionText(row.cap) == caption;
+    });
+    return found == list.end() ? std::string() : found->index;
+}
+
 std::string checkStringToRead(std::string_view value, const std::vector<ListRow>& listDat) {
     std::string text;
     if (value.empty()) {

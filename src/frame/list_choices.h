@@ -19,6 +19,10 @@ std::string widenOldId(std::string_view guid);
 // characters, widened to the kind-2 guid of that number).
 const ListRow* listByIndex(std::string_view guid, const std::vector<ListRow>& list);
 
+// The guid of the row of list `tp` whose caption (without its tail) is
+// `caption`, or "" when there is none.
+std::string indexByCaption(const std::vector<ListRow>& list, int tp, std::string_view caption);
+
 // A caption is shown up to its tail: the part from the first "<tr>" on.
 std::string captionText(std::string_view coname);
 

@@ -3,6 +3,7 @@
 #include "diary/value_codecs.h"
 #include "frame/form_kinds.h"
 #include "frame/form_values.h"
+#include "frame/list_choices.h"
 
 namespace tilika::medication {
 namespace {
@@ -49,15 +50,6 @@ constexpr CourseRow kRows[] = {
      "pilltime"},
 };
 
-std::string indexOf(const std::vector<diary::ListRow>& lists, int cotype, std::string_view cap) {
-    for (const auto& row : lists) {
-        if (row.tp == cotype && diary::captionText(row.cap) == cap) {
-            return row.index;
-        }
-    }
-    return {};
-}
-
 }  // namespace
 
 diary::EntryForm courseForm(std::optional<std::string_view> course, std::string_view day,
@@ -79,8 +71,8 @@ diary::EntryForm courseForm(std::optional<std::string_view> course, std::string_
         {"pillname", ""},
         {"pilldoza", std::string(kNewCourseDoza)},
         {"pillinter", std::string(kNewCourseInter)},
-        {"pillperiod", indexOf(lists, diary::cotype::howOften, kNewCoursePeriod)},
-        {"pilleat", indexOf(lists, diary::cotype::meals, kNewCourseMeal)},
+        {"pillperiod", frame::indexByCaption(lists, diary::cotype::howOften, kNewCoursePeriod)},
+        {"pilleat", frame::indexByCaption(lists, diary::cotype::meals, kNewCourseMeal)},
         {"pilllength", std::string(kNewCourseLength)},
         {"pillsdate", std::string(day)},
         {"pilltime", std::string(kNewCourseTimes)},

@@ -48,12 +48,18 @@ int periodStep(std::string_view period, int weekday) {
     return 1;
 }
 
+// Only a text is a key: a number or anything else another device wrote
+// ties the course to nothing.
 bool hasKey(const json& record) {
-    return record.is_object() && record.contains("key");
+    if (!record.is_object()) {
+        return false;
+    }
+    const auto key = record.find("key");
+    return key != record.end() && key->is_string();
 }
 
 std::string keyOf(const json& record) {
-    return diary::jsonText(record, "key");
+    return hasKey(record) ? record["key"].get<std::string>() : std::string();
 }
 
 // A "like" pattern that matches the key as it stands, wherever it is.
