@@ -128,6 +128,25 @@ private slots:
         QCOMPARE(valueOf(kLength), QStringLiteral("3 месяца"));
     }
 
+    void theTimesFollowTheDosesADayAndTheMeals() {
+        root_->openDayEditor(*dates().dateFromString("2026-11-22"), gid_);
+        QVERIFY(openCourseForm() != nullptr);
+        // The same count on the wheel still asks for the times: the new
+        // course's own ones are not those of three doses round the clock.
+        pickOnWheels(kDosesADay, "3", "раз в сутки");
+        QCOMPARE(valueOf(kDosesADay), QStringLiteral("3 раза в сутки"));
+        QCOMPARE(times(), QStringList({"00:00", "08:00", "16:00"}));
+        timeButton(2)->click();
+        popupPanel()->findChild<QTimeEdit*>()->setTime(QTime(18, 0));
+        popupOk();
+        pickOnWheels(kDosesADay, "2", "раз в день");
+        QCOMPARE(times(), QStringList({"08:00", "22:00"}));
+        // After meals, the doses follow the child's meals.
+        pickOnWheels(kDosesADay, "3", "раз в день");
+        pickFromList(kMeals, QStringLiteral("После еды"));
+        QCOMPARE(times(), QStringList({"08:10", "14:10", "20:10"}));
+    }
+
     void aCourseIsShownOnItsDaysAndEditedFromAnyOfThem() {
         diary::note* page = openDiary();
         // Today, then on to the Wednesday the course starts on.
