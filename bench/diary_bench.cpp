@@ -85,6 +85,24 @@ void BM_DiaryYearDayTexts(benchmark::State& state) {
     }
 }
 
+// A day's courses with a new daily course of this length from `start`, as
+// the course form gives it.
+std::string withCourse(Sample& s, const std::string& value, core::Date start,
+                       const std::string& length) {
+    nlohmann::json courses = diary::jsonToArray(value);
+    if (!courses.is_array()) {
+        courses = nlohmann::json::array();
+    }
+    courses.push_back({{"pillname", core::newID2(core::idkind::seededRow, 8)},
+                       {"pilldoza", "1<td>шт."},
+                       {"pillinter", "2<td>раз в день"},
+                       {"pillperiod", core::newID2(core::idkind::seededRow, 10)},
+                       {"pilleat", core::newID2(core::idkind::seededRow, 18)},
+                       {"pilllength", length},
+                       {"pillsdate", s.dates().dateToString(start, core::formats::screenDay)}});
+    return diary::jsonFromObject(courses);
+}
+
 void BM_DiarySaveDayAddingACourse(benchmark::State& state) {
     Sample& s = sample();
     const core::Date day = s.dates().addDays(s.yearStart(), 100);
@@ -98,18 +116,7 @@ void BM_DiarySaveDayAddingACourse(benchmark::State& state) {
     const std::size_t pillsRow = static_cast<std::size_t>(pills - original.begin());
     const std::string before = pills->source;
 
-    nlohmann::json courses = diary::jsonToArray(before);
-    if (!courses.is_array()) {
-        courses = nlohmann::json::array();
-    }
-    courses.push_back({{"pillname", core::newID2(core::idkind::seededRow, 8)},
-                       {"pilldoza", "1<td>шт."},
-                       {"pillinter", "2<td>раз в день"},
-                       {"pillperiod", core::newID2(core::idkind::seededRow, 10)},
-                       {"pilleat", core::newID2(core::idkind::seededRow, 18)},
-                       {"pilllength", "30<td>дни"},
-                       {"pillsdate", s.dates().dateToString(day, core::formats::screenDay)}});
-    const std::string after = diary::jsonFromObject(courses);
+    const std::string after = withCourse(s, before, day, "30<td>дни");
 
     for (auto _ : state) {
         std::vector<diary::CatalogueRow> rows = original;
@@ -150,18 +157,7 @@ void BM_DiarySaveDayEditingACourse(benchmark::State& state) {
     std::vector<diary::CatalogueRow> startRows = dayRows(s, start, list, pillsRow);
     const std::string startBefore = startRows[pillsRow].source;
 
-    nlohmann::json courses = diary::jsonToArray(startBefore);
-    if (!courses.is_array()) {
-        courses = nlohmann::json::array();
-    }
-    courses.push_back({{"pillname", core::newID2(core::idkind::seededRow, 8)},
-                       {"pilldoza", "1<td>шт."},
-                       {"pillinter", "3<td>раз в день"},
-                       {"pillperiod", core::newID2(core::idkind::seededRow, 10)},
-                       {"pilleat", core::newID2(core::idkind::seededRow, 18)},
-                       {"pilllength", "3<td>месяцы"},
-                       {"pillsdate", s.dates().dateToString(start, core::formats::screenDay)}});
-    startRows[pillsRow].source = diary::jsonFromObject(courses);
+    startRows[pillsRow].source = withCourse(s, startBefore, start, "3<td>месяцы");
     if (!s.store().saveNoteData(1, startRows, list, s.gid(), start)) {
         state.SkipWithError("the course could not be entered");
         return;

@@ -98,7 +98,10 @@ noteEdit::noteEdit(EditorServices services, QWidget* window)
     setObjectName(QStringLiteral("noteEdit"));
     setAutoFillBackground(true);
     setAttribute(Qt::WA_StyledBackground);
-    setStyleSheet(QStringLiteral("#noteEdit { border: 1px solid palette(mid); }"));
+    // A style sheet of its own turns off the widget's background: it is
+    // given back, or the page behind shows through the caption.
+    setStyleSheet(QStringLiteral(
+        "#noteEdit { border: 1px solid palette(mid); background: palette(window); }"));
     setFocusPolicy(Qt::StrongFocus);
     hide();
 

@@ -7,6 +7,8 @@
 #include <QPainterPath>
 #include <QResizeEvent>
 
+#include <algorithm>
+
 #include "frame/look.h"
 #include "platform/qt_pictures.h"
 
@@ -60,6 +62,16 @@ protected:
     }
 };
 
+// A wrapping label cuts a word it has no room for; it keeps room for its
+// longest word, and the label beside it wraps instead.
+void keepWholeWords(QLabel* label) {
+    int longest = 1;
+    for (const QString& word : label->text().split(QLatin1Char(' '), Qt::SkipEmptyParts)) {
+        longest = std::max(longest, label->fontMetrics().horizontalAdvance(word));
+    }
+    label->setMinimumWidth(longest);
+}
+
 }  // namespace
 
 void setIcon(QLabel* label, const platform::QtPictures& pictures, const std::string& picture,
@@ -77,11 +89,13 @@ TapRow::TapRow(const platform::QtPictures& pictures, const std::string& icon,
                const QString& caption, QWidget* parent)
     : QAbstractButton(parent), pictures_(pictures) {
     setMinimumHeight(kTouchHeight);
+    // A button would keep the width of its text on one line; a row wraps.
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     setCursor(Qt::PointingHandCursor);
     setAccessibleName(caption);
     auto* layout = new QHBoxLayout(this);
-    layout->setContentsMargins(8, 4, 8, 4);
-    layout->setSpacing(10);
+    layout->setContentsMargins(6, 4, 4, 4);
+    layout->setSpacing(6);
     if (!icon.empty()) {
         icon_ = new QLabel(this);
         form::setIcon(icon_, pictures_, icon, 32);
@@ -89,9 +103,12 @@ TapRow::TapRow(const platform::QtPictures& pictures, const std::string& icon,
     }
     caption_ = new QLabel(caption, this);
     caption_->setWordWrap(true);
+    // Small enough for a caption and a value to keep their words whole side
+    // by side in a narrow panel.
     QFont font = caption_->font();
-    font.setPixelSize(15);
+    font.setPixelSize(14);
     caption_->setFont(font);
+    keepWholeWords(caption_);
     value_ = new QLabel(this);
     value_->setWordWrap(true);
     value_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
@@ -116,6 +133,7 @@ TapRow::TapRow(const platform::QtPictures& pictures, const std::string& icon,
 void TapRow::setValue(const QString& value) {
     value_->setText(value);
     value_->setVisible(!value.isEmpty());
+    keepWholeWords(value_);
 }
 
 void TapRow::setArrow(const std::string& picture) {

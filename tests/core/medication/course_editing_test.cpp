@@ -34,14 +34,9 @@ protected:
     }
 
     std::size_t row(std::string_view field) const {
-        const auto& rows = editor.noteData();
-        for (std::size_t i = 0; i < rows.size(); ++i) {
-            if (rows[i].field == field) {
-                return i;
-            }
-        }
-        ADD_FAILURE() << "no row " << field;
-        return rows.size();
+        const std::size_t at = frame::posByField(editor.noteData(), field);
+        EXPECT_NE(at, 0u) << "no row " << field;
+        return at - 1;
     }
     const diary::CatalogueRow& pills() const { return editor.noteData()[row("pills")]; }
 
