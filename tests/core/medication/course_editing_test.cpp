@@ -141,6 +141,24 @@ TEST_F(CourseEditingTest, ACourseIsEnteredOnceAndEditedOrRemovedFromAnyOfItsDays
     EXPECT_TRUE(readings().empty());
 }
 
+TEST_F(CourseEditingTest, ASaveThatFailsOnAnyOfTheCoursesDaysWritesNoneOfThem) {
+    open("2026-11-25");
+    editor.editData(row("note"), "начали курс");
+    editor.newPills(row("pills"), form(std::nullopt, {{"pilllength", "10<td>дни"}}));
+    // The disk refuses the course's seventh day, after six were written.
+    db().exec(
+        "create trigger refuse before insert on childdata when new.sdat = '2026-12-01' "
+        "begin select raise(abort, 'disk I/O error'); end");
+    EXPECT_FALSE(editor.save(true).ok());
+    EXPECT_EQ(queryText("select count(*) from childdata where sdat >= '2026-11-25'"), "0");
+    EXPECT_TRUE(editor.needSave());
+    EXPECT_EQ(pills().multiarray.size(), 1u);
+
+    db().exec("drop trigger refuse");
+    ASSERT_TRUE(editor.save(true).ok());
+    EXPECT_EQ(readings().size(), 10u);
+}
+
 TEST_F(CourseEditingTest, OldValuesAndOtherChildrensCoursesStayAsTheyAre) {
     diary::DayRows rows(db(), dates);
     // An old plain value is shown as it stands and can only be removed.
