@@ -112,6 +112,8 @@ void ViewController::settingClick(const core::MenuRow& row, bool on) {
         correctTilt();
     } else if (effect == session::SwitchEffect::redrawMenuCounts) {
         QTimer::singleShot(1000, menu_, [this] { menu_->updateMenu(); });
+    } else if (effect == session::SwitchEffect::rebuildReminders) {
+        services_.application.rebuildNotifications();
     }
 }
 
@@ -202,12 +204,7 @@ void ViewController::openDayEditor(core::Date day, const std::string& gid,
                 FormServices{state_, context_.dates, *popups_, services_.pictures, lists_.get()},
                 services_.images, *cloud_, *photos_,
                 [this](const std::string& caption) { comingSoon(caption); },
-                [this] {
-                    services_.application.updateNoteAlarms();
-                    if (state_.pillsAlarm) {
-                        services_.application.updatePillsAlarms();
-                    }
-                }},
+                [this] { services_.application.rebuildNotifications(); }},
             this);
     }
     dayEditor_->open(day, gid, std::move(onClose), anchor);

@@ -6,6 +6,7 @@
 #include <array>
 #include <cstdio>
 
+#include "core/database.h"
 #include "core/dates.h"
 #include "core/text.h"
 #include "diary/display_texts.h"
@@ -101,6 +102,16 @@ std::string getObed(SQLite::Database* db) {
         // An old database without the column: the meals are the usual ones.
     }
     return std::string(kDefaultMeals);
+}
+
+core::WriteResult setObed(SQLite::Database& db, std::string_view meals) {
+    return core::tryWrite("setObed", [&] {
+        core::WriteTransaction part(db);
+        SQLite::Statement update(db, "update child set obed=?");
+        update.bind(1, std::string(meals));
+        update.exec();
+        part.commit();
+    });
 }
 
 std::optional<core::Date> generateTime(const core::Dates& dates, core::Date day, int type,

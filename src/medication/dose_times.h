@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "core/date.h"
+#include "core/write_result.h"
 #include "diary/catalogue.h"
 #include "diary/reference_lists.h"
 
@@ -30,6 +31,8 @@ inline constexpr std::string_view kDefaultMeals =
 // The meal times, one set for all children: the first that a profile holds,
 // else the defaults (also without a database).
 std::string getObed(SQLite::Database* db);
+// Gives every profile these meal times.
+core::WriteResult setObed(SQLite::Database& db, std::string_view meals);
 
 // The time of dose `pos` (from 1) of `count` on `day`. Type 1 ("раз в день")
 // spreads the doses over the waking day, 08:00 to 22:00, on a quarter-hour

@@ -246,10 +246,7 @@ void Application::didBecomeActive() {
 
     state_.chatAwake = true;
 
-    updateNoteAlarms();
-    if (state_.pillsAlarm) {
-        updatePillsAlarms();
-    }
+    rebuildNotifications();
 }
 
 void Application::checkAppStoreAlert() {
@@ -390,6 +387,15 @@ void Application::dropboxInit() {
 
 bool Application::dropboxHandleOpenUrl(const std::string& /*url*/) {
     return false;
+}
+
+void Application::rebuildNotifications() {
+    // The cancel comes first: with the medicines' switch off, their
+    // reminders go with it.
+    updateNoteAlarms();
+    if (state_.pillsAlarm) {
+        updatePillsAlarms();
+    }
 }
 
 void Application::updateNoteAlarms() {}

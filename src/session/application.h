@@ -13,6 +13,7 @@
 #include "core/reserve_copies.h"
 
 namespace tilika::platform {
+class Notifier;
 class Shell;
 struct ScreenSize;
 }  // namespace tilika::platform
@@ -75,8 +76,12 @@ public:
     // on the user's word.
     bool startEmpty();
 
-    // The reminders of the diary, and of the medicine courses, follow the
-    // days as saved. Hooks of services that are not part of the program yet.
+    // Where reminders wait for their time; without one nothing is scheduled.
+    void setNotifier(platform::Notifier* notifier) { notifier_ = notifier; }
+    // The reminders of the diary, and of the medicine courses while their
+    // switch is on, follow the days as saved: all pending ones are thrown
+    // away and scheduled afresh.
+    void rebuildNotifications();
     void updateNoteAlarms();
     void updatePillsAlarms();
 
@@ -102,6 +107,7 @@ private:
     platform::SettingsStore& settings_;
     const platform::Folders& folders_;
     platform::Shell& shell_;
+    platform::Notifier* notifier_ = nullptr;
     core::AppState state_;
     core::Dates dates_;
     core::DatabaseStore database_;

@@ -168,12 +168,15 @@ MenuCommand menuCommand(int id) {
 SwitchEffect switchEffect(int id, bool on) {
     constexpr int kPasswordRow = 52;
     constexpr int kTiltRow = 53;
+    constexpr int kPillsAlarmRow = 54;
     constexpr int kChatCountRow = 55;
     switch (id) {
         case kPasswordRow:
             return on ? SwitchEffect::lockComing : SwitchEffect::none;
         case kTiltRow:
             return SwitchEffect::tilt;
+        case kPillsAlarmRow:
+            return SwitchEffect::rebuildReminders;
         case kChatCountRow:
             return SwitchEffect::redrawMenuCounts;
         default:

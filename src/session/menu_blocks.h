@@ -85,6 +85,7 @@ enum class SwitchEffect {
     lockComing,
     tilt,              // the tilt sensor starts or stops
     redrawMenuCounts,  // the counts of unread messages show or hide
+    rebuildReminders,  // the medicines' reminders come or go
 };
 SwitchEffect switchEffect(int id, bool on);
 

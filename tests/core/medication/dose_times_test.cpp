@@ -81,6 +81,10 @@ TEST_F(DoseTimesTest, DosesSpreadOverTheDayOrRoundTheClock) {
 
 TEST_F(DoseTimesTest, MealTimesAreOneSetForAllChildren) {
     EXPECT_EQ(getObed(&db()), "08:00<table>11:00<table>14:00<table>16:00<table>20:00");
+    newChild("2024-03-01");  // meal times are one set for both children
+    const std::string meals = "07:30<table>10:00<table>13:00<table>16:30<table>19:00";
+    ASSERT_TRUE(setObed(db(), meals));
+    EXPECT_EQ(queryText("select count(distinct obed) || obed from child"), "1" + meals);
     db().exec("update child set obed=null");
     EXPECT_EQ(getObed(&db()), kDefaultMeals);
     EXPECT_EQ(getObed(nullptr), kDefaultMeals);
