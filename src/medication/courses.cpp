@@ -59,7 +59,7 @@ bool hasKey(const json& record) {
 }
 
 std::string keyOf(const json& record) {
-    return hasKey(record) ? record["key"].get<std::string>() : std::string();
+    return hasKey(record) ? record.at("key").get<std::string>() : std::string();
 }
 
 // Any offset below zero means the same: no day at all.
