@@ -1,13 +1,16 @@
 // Tilika: a family diary for parents of young children.
 //
 //   tilika [--data-dir DIR] [--screenshot FILE.png]
+//   tilika --install-reminders | --remove-reminders [--data-dir DIR]
 //
 // Exits with 0 when the window is closed (or the picture is drawn), 1 when the
 // data folder can't be used or another copy of the program works on it (a
 // window says which, or the picture shows it), 2 without a display, 64 for
-// options it doesn't know how to read.
+// options it doesn't know how to read. The reminder timer's options need no
+// display and exit with 0 when done, 69 without a working systemctl.
 
 #include <QApplication>
+#include <QCoreApplication>
 #include <QMessageBox>
 #include <QPixmap>
 #include <QtGlobal>
@@ -23,6 +26,7 @@
 #include "frame/session.h"
 #include "platform/clock.h"
 #include "platform/log.h"
+#include "platform/reminder_timer.h"
 
 namespace {
 
@@ -30,13 +34,18 @@ struct Options {
     std::optional<std::filesystem::path> dataDir;
     std::optional<std::filesystem::path> screenshot;
     bool help = false;
+    bool installReminders = false;
+    bool removeReminders = false;
     std::string error;
 };
 
 constexpr const char* kUsage =
     "usage: tilika [--data-dir DIR] [--screenshot FILE.png]\n"
+    "       tilika --install-reminders | --remove-reminders [--data-dir DIR]\n"
     "  --data-dir DIR         keep the diary in DIR instead of $XDG_DATA_HOME/tilika\n"
-    "  --screenshot FILE.png  draw the first screen into FILE.png without a display and exit\n";
+    "  --screenshot FILE.png  draw the first screen into FILE.png without a display and exit\n"
+    "  --install-reminders    show reminders while the program is closed (a systemd user timer)\n"
+    "  --remove-reminders     remove that timer\n";
 
 // Reads our own options and leaves anything else to Qt.
 Options parseOptions(int argc, char** argv) {
@@ -57,6 +66,10 @@ Options parseOptions(int argc, char** argv) {
         };
         if (arg == "--help" || arg == "-h") {
             options.help = true;
+        } else if (arg == "--install-reminders") {
+            options.installReminders = true;
+        } else if (arg == "--remove-reminders") {
+            options.removeReminders = true;
         } else if (auto dir = valueOf("--data-dir")) {
             options.dataDir = *dir;
         } else if (auto file = valueOf("--screenshot")) {
@@ -116,6 +129,16 @@ int main(int argc, char** argv) {
     if (options.help) {
         std::cout << kUsage;
         return 0;
+    }
+    if (options.installReminders || options.removeReminders) {
+        const QCoreApplication app(argc, argv);
+        const std::filesystem::path resources = tilika::frame::Session::defaultResourceDir();
+        if (options.removeReminders) {
+            return tilika::platform::removeReminders(resources);
+        }
+        return tilika::platform::installReminders(
+            resources, QCoreApplication::applicationFilePath().toStdString(),
+            options.dataDir.value_or(tilika::frame::Session::defaultDataDir()));
     }
     if (options.screenshot) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
