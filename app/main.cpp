@@ -1,13 +1,17 @@
 // Tilika: a family diary for parents of young children.
 //
 //   tilika [--data-dir DIR] [--screenshot FILE.png]
+//   tilika --deliver-due [--data-dir DIR]
 //
 // Exits with 0 when the window is closed (or the picture is drawn), 1 when the
 // data folder can't be used or another copy of the program works on it (a
 // window says which, or the picture shows it), 2 without a display, 64 for
-// options it doesn't know how to read.
+// options it doesn't know how to read. --deliver-due, run by a timer, shows
+// the reminders that came due while the program is closed (its exit codes
+// are in platform/deliver_due.h).
 
 #include <QApplication>
+#include <QCoreApplication>
 #include <QMessageBox>
 #include <QPixmap>
 #include <QtGlobal>
@@ -22,6 +26,7 @@
 #include "core/folder_lock.h"
 #include "frame/session.h"
 #include "platform/clock.h"
+#include "platform/deliver_due.h"
 #include "platform/log.h"
 
 namespace {
@@ -30,13 +35,15 @@ struct Options {
     std::optional<std::filesystem::path> dataDir;
     std::optional<std::filesystem::path> screenshot;
     bool help = false;
+    bool deliverDue = false;
     std::string error;
 };
 
 constexpr const char* kUsage =
     "usage: tilika [--data-dir DIR] [--screenshot FILE.png]\n"
     "  --data-dir DIR         keep the diary in DIR instead of $XDG_DATA_HOME/tilika\n"
-    "  --screenshot FILE.png  draw the first screen into FILE.png without a display and exit\n";
+    "  --screenshot FILE.png  draw the first screen into FILE.png without a display and exit\n"
+    "  --deliver-due          show the reminders that are due, if the program is closed\n";
 
 // Reads our own options and leaves anything else to Qt.
 Options parseOptions(int argc, char** argv) {
@@ -57,6 +64,8 @@ Options parseOptions(int argc, char** argv) {
         };
         if (arg == "--help" || arg == "-h") {
             options.help = true;
+        } else if (arg == "--deliver-due") {
+            options.deliverDue = true;
         } else if (auto dir = valueOf("--data-dir")) {
             options.dataDir = *dir;
         } else if (auto file = valueOf("--screenshot")) {
@@ -116,6 +125,12 @@ int main(int argc, char** argv) {
     if (options.help) {
         std::cout << kUsage;
         return 0;
+    }
+    if (options.deliverDue) {
+        const QCoreApplication app(argc, argv);
+        return tilika::platform::deliverDue(
+            options.dataDir.value_or(tilika::frame::Session::defaultDataDir()),
+            tilika::frame::Session::defaultResourceDir());
     }
     if (options.screenshot) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
