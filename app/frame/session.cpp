@@ -18,6 +18,9 @@ namespace {
 // The longest the delivery timer waits: a machine that slept, or a clock
 // that was set, would otherwise make a reminder late by as much.
 constexpr std::chrono::milliseconds kDeliveryRecheck = std::chrono::seconds(30);
+// How long a starting program waits for its window to come forward before
+// it hands the reminders to the desktop.
+constexpr std::chrono::milliseconds kFirstDelivery = std::chrono::seconds(2);
 
 }  // namespace
 
@@ -111,7 +114,9 @@ Session::StartResult Session::start() {
     }
     application_.setNotifier(notifier_.get());
     application_.didFinishLaunching({});
-    armDeliveryTimer();
+    // What came due while the program was closed is for the window about to
+    // appear; its activation sets the timer again, with the window active.
+    deliveryTimer_.start(kFirstDelivery);
     tellAboutDamagedSettings();
     stateConnection_ =
         QObject::connect(qGuiApp, &QGuiApplication::applicationStateChanged, qGuiApp,
@@ -152,6 +157,7 @@ void Session::onApplicationStateChanged(Qt::ApplicationState state) {
                     root->becomeActive();
                 }
                 showWaitingReminders();
+                armDeliveryTimer();
             }
             break;
         case Qt::ApplicationInactive:

@@ -1,5 +1,6 @@
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
+#include <QMessageBox>
 #include <QMutex>
 #include <QMutexLocker>
 #include <QProcess>
@@ -17,6 +18,7 @@
 #include "core/dates.h"
 #include "core/folder_lock.h"
 #include "core/notification_ledger.h"
+#include "frame/session.h"
 #include "platform/clock.h"
 #include "platform/desktop_notifier.h"
 #include "platform/folders.h"
@@ -107,6 +109,8 @@ private slots:
         }
         address_ = QString::fromUtf8(daemon_.readLine()).trimmed();
         QVERIFY(!address_.isEmpty());
+        // The program's own notifier talks to the session bus: ours.
+        qputenv("DBUS_SESSION_BUS_ADDRESS", address_.toUtf8());
 
         server_ = std::make_unique<QDBusConnection>(
             QDBusConnection::connectToBus(address_, QStringLiteral("fake-server")));
@@ -219,6 +223,22 @@ private slots:
         QVERIFY(pending(library));
     }
 
+    void theOpenProgramShowsADueReminderInItsWindow() {
+        fake_->setCapabilities({"body"});
+        QTemporaryDir data;
+        const std::filesystem::path library = scheduleDueReminder(data.path());
+        frame::Session session(clock_, data.path().toStdString(), TILIKA_TEST_RESOURCE_DIR);
+        QCOMPARE(session.start(), frame::Session::StartResult::Started);
+        QTRY_COMPARE(QGuiApplication::applicationState(), Qt::ApplicationActive);
+
+        QMessageBox* box = nullptr;
+        QTRY_VERIFY((box = session.rootWindow()->findChild<QMessageBox*>()) != nullptr);
+        QCOMPARE(box->text(), QStringLiteral("Напоминание"));
+        QCOMPARE(box->informativeText(), QStringLiteral("Аня: прогулка & сон"));
+        QVERIFY(fake_->calls().isEmpty());
+        QVERIFY(!pending(library));
+    }
+
 private:
     // A data folder whose reminder fell due a minute ago; its Library.
     std::filesystem::path scheduleDueReminder(const QString& dataDir) {
@@ -261,5 +281,5 @@ private:
     FakeNotifications* fake_ = nullptr;  // deleted in its own thread
 };
 
-QTEST_GUILESS_MAIN(ReminderDeliveryTest)
+QTEST_MAIN(ReminderDeliveryTest)
 #include "reminder_delivery_test.moc"
