@@ -2,12 +2,15 @@
 //
 //   tilika [--data-dir DIR] [--screenshot FILE.png]
 //   tilika --install-reminders | --remove-reminders [--data-dir DIR]
+//   tilika --deliver-due [--data-dir DIR]
 //
 // Exits with 0 when the window is closed (or the picture is drawn), 1 when the
 // data folder can't be used or another copy of the program works on it (a
 // window says which, or the picture shows it), 2 without a display, 64 for
 // options it doesn't know how to read. The reminder timer's options need no
 // display and exit with 0 when done, 69 without a working systemctl.
+// --deliver-due, run by that timer, shows the reminders that came due while
+// the program is closed (its exit codes are in platform/deliver_due.h).
 
 #include <QApplication>
 #include <QCoreApplication>
@@ -25,6 +28,7 @@
 #include "core/folder_lock.h"
 #include "frame/session.h"
 #include "platform/clock.h"
+#include "platform/deliver_due.h"
 #include "platform/log.h"
 #include "platform/reminder_timer.h"
 
@@ -36,16 +40,18 @@ struct Options {
     bool help = false;
     bool installReminders = false;
     bool removeReminders = false;
+    bool deliverDue = false;
     std::string error;
 };
 
 constexpr const char* kUsage =
     "usage: tilika [--data-dir DIR] [--screenshot FILE.png]\n"
-    "       tilika --install-reminders | --remove-reminders [--data-dir DIR]\n"
+    "       tilika --install-reminders | --remove-reminders | --deliver-due [--data-dir DIR]\n"
     "  --data-dir DIR         keep the diary in DIR instead of $XDG_DATA_HOME/tilika\n"
     "  --screenshot FILE.png  draw the first screen into FILE.png without a display and exit\n"
     "  --install-reminders    show reminders while the program is closed (a systemd user timer)\n"
-    "  --remove-reminders     remove that timer\n";
+    "  --remove-reminders     remove that timer\n"
+    "  --deliver-due          show the reminders that are due, if the program is closed\n";
 
 // Reads our own options and leaves anything else to Qt.
 Options parseOptions(int argc, char** argv) {
@@ -70,6 +76,8 @@ Options parseOptions(int argc, char** argv) {
             options.installReminders = true;
         } else if (arg == "--remove-reminders") {
             options.removeReminders = true;
+        } else if (arg == "--deliver-due") {
+            options.deliverDue = true;
         } else if (auto dir = valueOf("--data-dir")) {
             options.dataDir = *dir;
         } else if (auto file = valueOf("--screenshot")) {
@@ -139,6 +147,12 @@ int main(int argc, char** argv) {
         return tilika::platform::installReminders(
             resources, QCoreApplication::applicationFilePath().toStdString(),
             options.dataDir.value_or(tilika::frame::Session::defaultDataDir()));
+    }
+    if (options.deliverDue) {
+        const QCoreApplication app(argc, argv);
+        return tilika::platform::deliverDue(
+            options.dataDir.value_or(tilika::frame::Session::defaultDataDir()),
+            tilika::frame::Session::defaultResourceDir());
     }
     if (options.screenshot) {
         qputenv("QT_QPA_PLATFORM", "offscreen");

@@ -1,21 +1,81 @@
 #include "frame/session.h"
 
+#include <QApplication>
 #include <QCoreApplication>
 #include <QGuiApplication>
 #include <QTimer>
 
+#include <algorithm>
+#include <chrono>
 #include <cstdlib>
+#include <functional>
 
 #include "frame/view_controller.h"
 
 namespace tilika::frame {
+namespace {
+
+// The longest the delivery timer waits: a machine that slept, or a clock
+// that was set, would otherwise make a reminder late by as much.
+constexpr std::chrono::milliseconds kDeliveryRecheck = std::chrono::seconds(30);
+// How long a starting program waits for its window to come forward before
+// it hands the reminders to the desktop.
+constexpr std::chrono::milliseconds kFirstDelivery = std::chrono::seconds(2);
+
+}  // namespace
+
+// The ledger as the application sees it: after each change the delivery
+// timer is set again, since the next reminder may be a new one.
+class Session::DeliveryNotifier final : public platform::Notifier {
+public:
+    DeliveryNotifier(core::LedgerNotifier& ledger, std::function<void()> changed)
+        : ledger_(ledger), changed_(std::move(changed)) {}
+
+    std::vector<platform::LocalNotification> scheduled() const override {
+        return ledger_.scheduled();
+    }
+    void cancelAll() override {
+        ledger_.cancelAll();
+        changedOutsideBatch();
+    }
+    void schedule(const platform::LocalNotification& n) override {
+        ledger_.schedule(n);
+        changedOutsideBatch();
+    }
+    void beginChanges() override {
+        ++depth_;
+        ledger_.beginChanges();
+    }
+    void endChanges() override {
+        ledger_.endChanges();
+        depth_ = std::max(0, depth_ - 1);
+        changedOutsideBatch();
+    }
+
+private:
+    void changedOutsideBatch() {
+        if (depth_ == 0) {
+            changed_();
+        }
+    }
+
+    core::LedgerNotifier& ledger_;
+    std::function<void()> changed_;
+    int depth_ = 0;
+};
 
 Session::Session(const platform::Clock& clock, std::filesystem::path dataDir,
                  std::filesystem::path resourceDir)
     : folders_(std::move(dataDir), std::move(resourceDir)),
       pictures_(folders_.path(platform::SystemFolder::Root) / "pictures"),
       settings_(folders_.path(platform::SystemFolder::Library) / "settings.json"),
-      application_(clock, settings_, folders_, shell_) {
+      application_(clock, settings_, folders_, shell_),
+      ledger_(folders_.path(platform::SystemFolder::Library), application_.dates()),
+      notifier_(std::make_unique<DeliveryNotifier>(ledger_, [this] { armDeliveryTimer(); })),
+      desktop_(platform::reminderPicture(folders_)) {
+    deliveryTimer_.setSingleShot(true);
+    QObject::connect(&deliveryTimer_, &QTimer::timeout, [this] { deliverDue(); });
+    QObject::connect(&desktop_, &platform::DesktopNotifier::activated, [this] { raiseWindow(); });
     shell_.setRootFactory([this] {
         return std::make_unique<ViewController>(
             RootServices{application_, qtPictures_, imageCodec_,
@@ -32,6 +92,8 @@ Session::Session(const platform::Clock& clock, std::filesystem::path dataDir,
 
 Session::~Session() {
     QObject::disconnect(stateConnection_);
+    deliveryTimer_.stop();
+    application_.setNotifier(nullptr);
     // The window shows the application's state, so it goes first.
     shell_.closeRootWindow();
 }
@@ -50,7 +112,11 @@ Session::StartResult Session::start() {
             folderError_ = lock_.error();
             return StartResult::FolderUnavailable;
     }
+    application_.setNotifier(notifier_.get());
     application_.didFinishLaunching({});
+    // What came due while the program was closed is for the window about to
+    // appear; its activation sets the timer again, with the window active.
+    deliveryTimer_.start(kFirstDelivery);
     tellAboutDamagedSettings();
     stateConnection_ =
         QObject::connect(qGuiApp, &QGuiApplication::applicationStateChanged, qGuiApp,
@@ -90,6 +156,8 @@ void Session::onApplicationStateChanged(Qt::ApplicationState state) {
                 if (auto* root = qobject_cast<ViewController*>(rootWindow())) {
                     root->becomeActive();
                 }
+                showWaitingReminders();
+                armDeliveryTimer();
             }
             break;
         case Qt::ApplicationInactive:
@@ -107,6 +175,50 @@ void Session::onApplicationStateChanged(Qt::ApplicationState state) {
             application_.didEnterBackground();
             break;
     }
+}
+
+void Session::armDeliveryTimer() {
+    auto wait = kDeliveryRecheck;
+    if (const auto next = ledger_.nextFireDate()) {
+        wait = std::clamp(std::chrono::duration_cast<std::chrono::milliseconds>(
+                              *next - application_.dates().now()),
+                          std::chrono::milliseconds(0), kDeliveryRecheck);
+    }
+    deliveryTimer_.start(wait);
+}
+
+// A reminder in front of the user is shown in the window; one that comes
+// while the window is elsewhere goes to the desktop, and a click on it
+// brings the window back.
+void Session::deliverDue() {
+    for (const platform::LocalNotification& due : ledger_.takeDue(application_.dates().now())) {
+        if (active_) {
+            application_.didReceiveLocalNotification(due.alertBody);
+        } else if (!desktop_.notify(QString::fromStdString(due.alertBody), true)) {
+            waitingReminders_.push_back(due.alertBody);
+            QApplication::alert(rootWindow());
+        }
+    }
+    armDeliveryTimer();
+}
+
+void Session::showWaitingReminders() {
+    std::vector<std::string> waiting = std::move(waitingReminders_);
+    waitingReminders_.clear();
+    for (const std::string& body : waiting) {
+        application_.didReceiveLocalNotification(body);
+    }
+}
+
+void Session::raiseWindow() {
+    QWidget* window = rootWindow();
+    if (window == nullptr) {
+        return;
+    }
+    window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
+    window->show();
+    window->raise();
+    window->activateWindow();
 }
 
 std::filesystem::path Session::defaultDataDir() {

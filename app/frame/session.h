@@ -1,14 +1,19 @@
 #pragma once
 
 #include <QMetaObject>
+#include <QTimer>
 
 #include <filesystem>
 #include <memory>
+#include <string>
 #include <system_error>
+#include <vector>
 
 #include "core/folder_lock.h"
+#include "core/notification_ledger.h"
 #include "core/settings_file.h"
 #include "frame/pictures.h"
+#include "platform/desktop_notifier.h"
 #include "platform/folders.h"
 #include "platform/qt_image_codec.h"
 #include "platform/qt_pictures.h"
@@ -24,7 +29,8 @@ namespace tilika::frame {
 
 // One running program over one data folder: the platform services, the core
 // application, the root screen, and the wiring of Qt's application states to
-// the core's activation entry points. Needs a QApplication.
+// the core's activation entry points, and the delivery of reminders while
+// the program is open. Needs a QApplication.
 class Session {
 public:
     Session(const platform::Clock& clock, std::filesystem::path dataDir,
@@ -61,6 +67,13 @@ public:
 private:
     void onApplicationStateChanged(Qt::ApplicationState state);
     void tellAboutDamagedSettings();
+    // Reminders: the timer is set for the next one, and looks again every
+    // 30 s, since a machine that slept lets a timer run late.
+    class DeliveryNotifier;
+    void armDeliveryTimer();
+    void deliverDue();
+    void showWaitingReminders();
+    void raiseWindow();
 
     platform::DataFolders folders_;
     Pictures pictures_;
@@ -71,6 +84,13 @@ private:
     core::JsonSettingsStore settings_;
     platform::QtShell shell_;
     session::Application application_;
+    core::LedgerNotifier ledger_;
+    std::unique_ptr<DeliveryNotifier> notifier_;
+    platform::DesktopNotifier desktop_;
+    QTimer deliveryTimer_;
+    // Reminders that came while the window was elsewhere and the desktop
+    // could not show them; they wait for the window to be looked at.
+    std::vector<std::string> waitingReminders_;
     QMetaObject::Connection stateConnection_;
     bool active_ = false;
 };
