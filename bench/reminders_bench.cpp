@@ -55,6 +55,8 @@ public:
         if (SQLite::Database* db = database_.connectToBase()) {
             db->exec("DROP TABLE IF EXISTS sqlite_stat1");
         }
+        // A connection keeps the statistics it read when it opened.
+        database_.disconnectFromBase();
     }
 
     ~RemindersSample() {
