@@ -8,14 +8,11 @@
 
 #include <benchmark/benchmark.h>
 
-#include <stdlib.h>
-
 #include "core/app_state.h"
 #include "core/context.h"
 #include "core/database.h"
 #include "core/dates.h"
 #include "core/reserve_copies.h"
-#include "core/settings_file.h"
 #include "diary/reference_lists.h"
 #include "diary_sample.h"
 #include "medication/reminders.h"
@@ -36,20 +33,21 @@ public:
     std::vector<platform::LocalNotification> pending;
 };
 
-// A copy of the sample diary of its own, since its index and statistics are
-// changed here, with the clock a month before the sample's now, so that the
-// coming days hold reminders and courses.
+// A copy of the sample diary beside it, since its index and statistics are
+// changed here, with a clock of its own a month before the sample's now, so
+// that the coming days hold reminders and courses.
 class RemindersSample {
 public:
     RemindersSample()
-        : dir_(makeDir()),
-          folders_(dir_, TILIKA_BENCH_RESOURCE_DIR),
-          settings_(dir_ / "Library" / "settings.json"),
-          clock_(bench::sampleNow(), "Europe/Moscow"),
+        : clock_(bench::sampleNow(), "Europe/Moscow"),
           dates_(clock_),
-          database_(folders_, dates_),
-          context_{clock_, settings_, folders_, dates_, database_, state_} {
-        folders_.createLayout();
+          database_(bench::sample().context().folders, dates_, "reminders.sqlite"),
+          context_{clock_,
+                   bench::sample().context().settings,
+                   bench::sample().context().folders,
+                   dates_,
+                   database_,
+                   state_} {
         core::backupDatabase(bench::sample().database().path(), database_.path());
         clock_.set(dates_.addDays(bench::sampleNow(), -30));
         if (SQLite::Database* db = database_.connectToBase()) {
@@ -57,12 +55,6 @@ public:
         }
         // A connection keeps the statistics it read when it opened.
         database_.disconnectFromBase();
-    }
-
-    ~RemindersSample() {
-        database_.disconnectFromBase();
-        std::error_code error;
-        std::filesystem::remove_all(dir_, error);
     }
 
     void setIndex(bool on) {
@@ -88,15 +80,6 @@ public:
     }
 
 private:
-    static std::filesystem::path makeDir() {
-        std::string pattern =
-            (std::filesystem::temp_directory_path() / "tilika-reminders-XXXXXX").string();
-        return ::mkdtemp(pattern.data());
-    }
-
-    std::filesystem::path dir_;
-    platform::DataFolders folders_;
-    core::JsonSettingsStore settings_;
     platform::ManualClock clock_;
     core::Dates dates_;
     core::DatabaseStore database_;
