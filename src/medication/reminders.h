@@ -21,23 +21,21 @@ class Notifier;
 // the pending ones away and schedules afresh from the diary.
 namespace tilika::medication {
 
-// The day rows one pass reads, of all children together: the next days that
-// hold reminders (or courses) are served, the later ones wait for a rebuild
-// on a later day.
-inline constexpr int kReminderDays = 20;
-
 class Reminders {
 public:
     Reminders(core::Context& context, platform::Notifier& notifier)
         : context_(context), notifier_(notifier) {}
 
     // Drops every pending notification, then schedules the reminders of the
-    // diary still to come. A database that won't open leaves none.
+    // diary still to come, from the next 20 day rows that hold any, of all
+    // children together; later ones wait for a rebuild on a later day. A
+    // database that won't open leaves none.
     void updateNoteAlarms();
 
-    // Adds the doses still to come of the medicine courses, worked out over
-    // the reference lists `lists` (all of them) and the meal times. It
-    // cancels nothing, so it follows updateNoteAlarms().
+    // Adds the doses still to come of the medicine courses, from the next 20
+    // day rows that hold any, worked out over the reference lists `lists`
+    // (all of them) and the meal times. It cancels nothing, so it follows
+    // updateNoteAlarms().
     void updatePillsAlarms(const std::vector<diary::ListRow>& lists);
 
 private:
