@@ -63,6 +63,9 @@ CREATE INDEX childdata_child_day ON childdata (childguid, date(sdat));
 -- The latest value of one type before a day (an illness carried over from
 -- an earlier year, the last weight) is one step down this index.
 CREATE INDEX childdata_child_type_day ON childdata (childguid, type, date(sdat));
+-- The reminders' rebuild, at every activation, reads the next days of one
+-- type over all children together.
+CREATE INDEX childdata_type_day ON childdata (type, date(sdat));
 CREATE INDEX childconst_guid ON childconst (coguid);
 CREATE INDEX childconst_type ON childconst (cotype, deleted);
 CREATE INDEX childselect_child ON childselect (childguid, seltypeid);

@@ -8,11 +8,14 @@
 #include "core/settings_keys.h"
 #include "core/text.h"
 #include "diary/profiles.h"
+#include "diary/reference_lists.h"
 #include "frame/backgrounds.h"
 #include "frame/translation.h"
+#include "medication/reminders.h"
 #include "platform/clock.h"
 #include "platform/folders.h"
 #include "platform/log.h"
+#include "platform/notifier.h"
 #include "platform/settings_store.h"
 #include "platform/shell.h"
 
@@ -390,16 +393,36 @@ bool Application::dropboxHandleOpenUrl(const std::string& /*url*/) {
 }
 
 void Application::rebuildNotifications() {
+    if (notifier_ == nullptr) {
+        return;
+    }
+    // One change for the notifier: one that keeps its notifications writes
+    // them once per rebuild, and only when they differ.
+    notifier_->beginChanges();
     // The cancel comes first: with the medicines' switch off, their
     // reminders go with it.
     updateNoteAlarms();
     if (state_.pillsAlarm) {
         updatePillsAlarms();
     }
+    notifier_->endChanges();
 }
 
-void Application::updateNoteAlarms() {}
+void Application::updateNoteAlarms() {
+    if (notifier_ != nullptr) {
+        medication::Reminders(context_, *notifier_).updateNoteAlarms();
+    }
+}
 
-void Application::updatePillsAlarms() {}
+void Application::updatePillsAlarms() {
+    if (notifier_ == nullptr) {
+        return;
+    }
+    // Every list, removed rows too: an old course still names its medicine
+    // and meal by rows that may have been removed since.
+    std::vector<diary::ListRow> lists;
+    diary::ReferenceLists(context_).loadConstList(lists, 0, "");
+    medication::Reminders(context_, *notifier_).updatePillsAlarms(lists);
+}
 
 }  // namespace tilika::session
