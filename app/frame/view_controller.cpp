@@ -35,6 +35,7 @@
 #include "frame/text_page.h"
 #include "frame/tilt_sensor.h"
 #include "frame/translation.h"
+#include "medication/inday.h"
 #include "platform/qt_pictures.h"
 #include "platform/shell.h"
 #include "session/application.h"
@@ -45,6 +46,7 @@ namespace tilika::frame {
 namespace {
 
 constexpr int kSlideMs = 400;
+constexpr int kDayPage = 2;
 constexpr int kDiaryPage = 9;
 // A drag becomes a swipe once it has gone this far, mostly sideways.
 constexpr int kSwipeStart = 12;
@@ -184,6 +186,16 @@ Tab* ViewController::tab(int pageId) {
                     here);
             });
             slot = diary;
+        } else if (pageId == kDayPage) {
+            auto* day = new medication::inday(
+                medication::InDayServices{context_, services_.pictures, *popups_,
+                                          [this] { services_.application.rebuildNotifications(); }},
+                this);
+            day->setDayOpener(
+                [this](core::Date date, const std::string& gid, std::function<void()> onClose) {
+                    openDayEditor(date, gid, std::move(onClose));
+                });
+            slot = day;
         } else {
             // Sections without their own page yet show what they are and
             // that they are coming.
