@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QCoreApplication>
 #include <QGuiApplication>
+#include <QProcess>
 #include <QTimer>
 
 #include <algorithm>
@@ -10,7 +11,9 @@
 #include <cstdlib>
 #include <functional>
 
+#include "core/settings_keys.h"
 #include "frame/view_controller.h"
+#include "platform/reminder_timer.h"
 
 namespace tilika::frame {
 namespace {
@@ -71,7 +74,11 @@ Session::Session(const platform::Clock& clock, std::filesystem::path dataDir,
       settings_(folders_.path(platform::SystemFolder::Library) / "settings.json"),
       application_(clock, settings_, folders_, shell_),
       ledger_(folders_.path(platform::SystemFolder::Library), application_.dates()),
-      notifier_(std::make_unique<DeliveryNotifier>(ledger_, [this] { armDeliveryTimer(); })),
+      notifier_(std::make_unique<DeliveryNotifier>(ledger_,
+                                                   [this] {
+                                                       armDeliveryTimer();
+                                                       offerReminderTimer();
+                                                   })),
       desktop_(platform::reminderPicture(folders_)) {
     deliveryTimer_.setSingleShot(true);
     QObject::connect(&deliveryTimer_, &QTimer::timeout, [this] { deliverDue(); });
@@ -208,6 +215,64 @@ void Session::showWaitingReminders() {
     for (const std::string& body : waiting) {
         application_.didReceiveLocalNotification(body);
     }
+}
+
+void Session::offerReminderTimer() {
+    if (timerOffered_ || settings_.boolValue(core::keys::reminderTimerOffered) ||
+        ledger_.scheduled().empty()) {
+        return;
+    }
+    const std::filesystem::path templates = folders_.path(platform::SystemFolder::Root) / "systemd";
+    if (platform::ReminderTimer(templates).installed()) {
+        return;
+    }
+    timerOffered_ = true;
+    // Only a desktop whose user manager answers can run the timer; asking is
+    // quick, but not so quick that the window should wait for it.
+    // Owned by a member, so that a session that ends first takes the probe
+    // and its answer with it.
+    auto* probe = new QProcess(&deliveryTimer_);
+    QObject::connect(
+        probe, &QProcess::finished, &deliveryTimer_,
+        [this, probe, templates](int exitCode, QProcess::ExitStatus status) {
+            probe->deleteLater();
+            if (status != QProcess::NormalExit || exitCode != 0) {
+                return;
+            }
+            settings_.setBool(core::keys::reminderTimerOffered, true);
+            settings_.synchronize();
+            platform::Alert alert;
+            alert.title = "Напоминания";
+            alert.text =
+                "Показывать напоминания и тогда, когда Тилика закрыта? Для этого в системе "
+                "будет включен таймер пользователя, который раз в минуту проверяет, не пора ли "
+                "напомнить.";
+            alert.buttons = {"Нет", "Да"};
+            alert.onClose = [this, templates](int button) {
+                if (button != 1) {
+                    return;
+                }
+                platform::ReminderTimer timer(templates);
+                const auto outcome =
+                    timer.install(QCoreApplication::applicationFilePath().toStdString(),
+                                  std::filesystem::absolute(folders_.dataDir()));
+                platform::Alert told;
+                told.title = "Напоминания";
+                told.text = platform::installText(outcome, timer);
+                told.buttons = {"OK"};
+                shell_.showAlert(std::move(told));
+            };
+            shell_.showAlert(std::move(alert));
+        });
+    // A missing systemctl ends here as a failure to start.
+    QObject::connect(probe, &QProcess::errorOccurred, &deliveryTimer_,
+                     [probe](QProcess::ProcessError error) {
+                         if (error == QProcess::FailedToStart) {
+                             probe->deleteLater();
+                         }
+                     });
+    probe->start(QStringLiteral("systemctl"),
+                 {QStringLiteral("--user"), QStringLiteral("show-environment")});
 }
 
 void Session::raiseWindow() {

@@ -74,6 +74,10 @@ private:
     void deliverDue();
     void showWaitingReminders();
     void raiseWindow();
+    // Reminders reach a closed program only through the user's timer: the
+    // first time there is something to remind of and no timer, the program
+    // offers to set it up, once.
+    void offerReminderTimer();
 
     platform::DataFolders folders_;
     Pictures pictures_;
@@ -93,6 +97,7 @@ private:
     std::vector<std::string> waitingReminders_;
     QMetaObject::Connection stateConnection_;
     bool active_ = false;
+    bool timerOffered_ = false;
 };
 
 }  // namespace tilika::frame

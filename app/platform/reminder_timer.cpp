@@ -261,33 +261,49 @@ void explain(const ReminderTimer& timer) {
 
 }  // namespace
 
+std::string installText(ReminderTimer::Outcome outcome, const ReminderTimer& timer) {
+    switch (outcome) {
+        case ReminderTimer::Outcome::done:
+            return "Готово: напоминания будут приходить и тогда, когда Тилика закрыта.";
+        case ReminderTimer::Outcome::noSystemctl:
+            return std::string("Не удалось включить таймер напоминаний через systemctl: ") +
+                   kOnlyWhileOpen;
+        case ReminderTimer::Outcome::cannotWrite:
+            return "Не удалось записать таймер напоминаний в папку " + timer.unitDir().string() +
+                   ": " + kOnlyWhileOpen;
+        case ReminderTimer::Outcome::badProgramPath:
+            return std::string(
+                       "systemd не запускает программы из папок, в названии которых "
+                       "есть кавычки или обратная косая черта: ") +
+                   kOnlyWhileOpen;
+        case ReminderTimer::Outcome::noTemplates:
+            break;
+    }
+    return std::string("Среди файлов программы нет таймера напоминаний: ") + kOnlyWhileOpen;
+}
+
 int installReminders(const fs::path& resourceDir, const fs::path& program,
                      const fs::path& dataDir) {
     ReminderTimer timer(resourceDir / "systemd");
     const ReminderTimer::Outcome outcome = timer.install(fs::absolute(program).lexically_normal(),
                                                          fs::absolute(dataDir).lexically_normal());
     explain(timer);
+    const std::string text = installText(outcome, timer);
     switch (outcome) {
         case ReminderTimer::Outcome::done:
-            std::cout << "Готово: напоминания будут приходить и тогда, когда Тилика закрыта.\n";
+            std::cout << text << "\n";
             return 0;
         case ReminderTimer::Outcome::noSystemctl:
-            std::cerr << "Не удалось включить таймер напоминаний через systemctl: "
-                      << kOnlyWhileOpen << "\n";
+            std::cerr << text << "\n";
             return 69;
         case ReminderTimer::Outcome::cannotWrite:
-            std::cerr << "Не удалось записать таймер напоминаний в папку "
-                      << timer.unitDir().string() << ": " << kOnlyWhileOpen << "\n";
+            std::cerr << text << "\n";
             return 73;
         case ReminderTimer::Outcome::badProgramPath:
-            std::cerr << "systemd не запускает программы из папок, в названии которых есть "
-                         "кавычки или обратная косая черта: "
-                      << kOnlyWhileOpen << "\n";
-            return 1;
         case ReminderTimer::Outcome::noTemplates:
             break;
     }
-    std::cerr << "Среди файлов программы нет таймера напоминаний: " << kOnlyWhileOpen << "\n";
+    std::cerr << text << "\n";
     return 1;
 }
 

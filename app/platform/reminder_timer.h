@@ -67,6 +67,9 @@ private:
     std::string detail_;
 };
 
+// What an install came to, in a line for the user.
+std::string installText(ReminderTimer::Outcome outcome, const ReminderTimer& timer);
+
 // `tilika --install-reminders`: installs the timer, says in Russian what
 // that means for the reminders, and returns the program's exit status (0,
 // 69 without a working systemctl, 73 when the units can't be written, 1

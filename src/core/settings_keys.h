@@ -13,6 +13,9 @@ inline constexpr std::string_view icloud = "icloud";
 inline constexpr std::string_view newscount = "newscount";
 inline constexpr std::string_view accelerate = "accelerate";
 inline constexpr std::string_view pillsAlarm = "pillsAlarm";
+// The program has offered to set up the timer that shows reminders while it
+// is closed.
+inline constexpr std::string_view reminderTimerOffered = "reminderTimerOffered";
 inline constexpr std::string_view chatIndi = "chatIndi";
 inline constexpr std::string_view showRec = "showRec";
 inline constexpr std::string_view backgroundId = "backgroundId";

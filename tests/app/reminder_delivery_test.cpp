@@ -1,5 +1,8 @@
+#include <QAbstractButton>
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
+#include <QDir>
+#include <QFile>
 #include <QMessageBox>
 #include <QMutex>
 #include <QMutexLocker>
@@ -15,9 +18,12 @@
 #include <filesystem>
 #include <sys/prctl.h>
 
+#include "core/context.h"
+#include "core/database.h"
 #include "core/dates.h"
 #include "core/folder_lock.h"
 #include "core/notification_ledger.h"
+#include "diary/day_rows.h"
 #include "frame/session.h"
 #include "platform/clock.h"
 #include "platform/desktop_notifier.h"
@@ -237,6 +243,75 @@ private slots:
         QCOMPARE(box->informativeText(), QStringLiteral("Аня: прогулка & сон"));
         QVERIFY(fake_->calls().isEmpty());
         QVERIFY(!pending(library));
+    }
+
+    // The first rebuild that has something to remind of offers the timer
+    // that reminds while the program is closed, once, and sets it up on yes.
+    void theProgramOffersTheTimerOnce() {
+        QTemporaryDir tools;
+        const QString calls = tools.path() + "/calls";
+        QFile script(tools.path() + "/systemctl");
+        QVERIFY(script.open(QIODevice::WriteOnly));
+        script.write(("#!/bin/sh\necho \"$*\" >> '" + calls + "'\n").toUtf8());
+        script.close();
+        script.setPermissions(script.permissions() | QFile::ExeOwner);
+        const QByteArray path = qgetenv("PATH");
+        const QByteArray config = qgetenv("XDG_CONFIG_HOME");
+        qputenv("PATH", tools.path().toUtf8() + ":" + path);
+        qputenv("XDG_CONFIG_HOME", (tools.path() + "/config").toUtf8());
+        auto restore = qScopeGuard([&] {
+            qputenv("PATH", path);
+            config.isNull() ? qunsetenv("XDG_CONFIG_HOME") : qputenv("XDG_CONFIG_HOME", config);
+        });
+        auto recorded = [&] {
+            QFile file(calls);
+            return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+        };
+
+        QTemporaryDir data;
+        auto offer = [&](const char* answer) {
+            frame::Session session(clock_, data.path().toStdString(), TILIKA_TEST_RESOURCE_DIR);
+            QCOMPARE(session.start(), frame::Session::StartResult::Started);
+            core::Context& context = session.application().context();
+            SQLite::Database* db = context.database.connectToBase();
+            QVERIFY(db != nullptr);
+            diary::DayRows(*db, context.dates)
+                .insertValue("alarm", R"([{"time":"10:00","temp":"прогулка"}])",
+                             context.dates.addDays(clock_.now(), 1), "child", true, false);
+            session.application().rebuildNotifications();
+            if (answer == nullptr) {
+                QTest::qWait(300);
+                QVERIFY(session.rootWindow()->findChild<QMessageBox*>() == nullptr);
+                return;
+            }
+            QMessageBox* box = nullptr;
+            QTRY_VERIFY((box = session.rootWindow()->findChild<QMessageBox*>()) != nullptr);
+            QVERIFY(box->informativeText().startsWith("Показывать напоминания"));
+            for (QAbstractButton* button : box->buttons()) {
+                if (button->text() == QString::fromUtf8(answer)) {
+                    button->click();
+                }
+            }
+            if (QString::fromUtf8(answer) == "Да") {
+                QTRY_VERIFY(
+                    session.rootWindow()->findChildren<QMessageBox*>().size() == 1 &&
+                    session.rootWindow()->findChild<QMessageBox*>()->informativeText().startsWith(
+                        "Готово"));
+            }
+        };
+
+        offer("Нет");
+        QCOMPARE(recorded(), QStringLiteral("--user show-environment\n"));
+        offer(nullptr);  // asked once: the same folder is not asked again
+        QCOMPARE(recorded().count("show-environment"), 1);
+
+        data.remove();
+        QVERIFY(QDir().mkpath(data.path()));
+        offer("Да");
+        QVERIFY(
+            recorded().endsWith("--user show-environment\n--user daemon-reload\n"
+                                "--user enable --now tilika-reminders.timer\n"));
+        QVERIFY(QFile::exists(tools.path() + "/config/systemd/user/tilika-reminders.timer"));
     }
 
 private:
