@@ -73,15 +73,6 @@ private:
     std::function<void()> tapped_;
 };
 
-QToolButton* textButton(const QString& text, const char* name, QWidget* parent) {
-    auto* button = new QToolButton(parent);
-    button->setText(text);
-    button->setObjectName(QString::fromLatin1(name));
-    button->setAutoRaise(true);
-    button->setFocusPolicy(Qt::StrongFocus);
-    return button;
-}
-
 // The days a table opens on: around the day it scrolls to, `focus` or else
 // the last day up to today.
 std::pair<std::size_t, std::size_t> firstShown(const std::vector<DayNote>& days,
@@ -132,11 +123,11 @@ note::note(NoteServices services, QWidget* parent)
     back_ = frame::headerButton(frame::translatedText(state, "Меню"), this);
     back_->setObjectName(QStringLiteral("toMenu"));
     connect(back_, &QToolButton::clicked, this, &Tab::menuRequested);
-    yearBack_ = textButton(QStringLiteral("◀"), "yearBack", this);
+    yearBack_ = frame::textButton(QStringLiteral("◀"), "yearBack", this);
     yearBack_->setToolTip(frame::translatedText(state, "Предыдущий год"));
-    yearNext_ = textButton(QStringLiteral("▶"), "yearNext", this);
+    yearNext_ = frame::textButton(QStringLiteral("▶"), "yearNext", this);
     yearNext_->setToolTip(frame::translatedText(state, "Следующий год"));
-    add_ = textButton(QStringLiteral("+"), "addNote", this);
+    add_ = frame::textButton(QStringLiteral("+"), "addNote", this);
     add_->setToolTip(frame::translatedText(state, "Новая запись"));
     connect(yearBack_, &QToolButton::clicked, this, [this] { changeYear(-1); });
     connect(yearNext_, &QToolButton::clicked, this, [this] { changeYear(1); });
@@ -145,15 +136,7 @@ note::note(NoteServices services, QWidget* parent)
     caption_->setObjectName(QStringLiteral("caption"));
     caption_->setAlignment(Qt::AlignCenter);
 
-    auto* bar = new QWidget(this);
-    bar->setObjectName(QStringLiteral("captionBar"));
-    auto* header = new QHBoxLayout(bar);
-    header->setContentsMargins(0, 0, 0, 0);
-    header->addWidget(back_);
-    header->addWidget(yearBack_);
-    header->addWidget(caption_, 1);
-    header->addWidget(yearNext_);
-    header->addWidget(add_);
+    QWidget* bar = frame::captionBar(back_, yearBack_, caption_, yearNext_, add_, this);
     new CaptionTaps(bar, [this] { twoTouch(); });
     new CaptionTaps(caption_, [this] { twoTouch(); });
 
@@ -162,8 +145,8 @@ note::note(NoteServices services, QWidget* parent)
     search_ = new QLineEdit(this);
     search_->setObjectName(QStringLiteral("search"));
     search_->setPlaceholderText(frame::translatedText(state, "Поиск"));
-    searchButton_ = textButton(frame::translatedText(state, "Найти"), "searchButton", this);
-    cancel_ = textButton(frame::translatedText(state, "Отмена"), "cancelSearch", this);
+    searchButton_ = frame::textButton(frame::translatedText(state, "Найти"), "searchButton", this);
+    cancel_ = frame::textButton(frame::translatedText(state, "Отмена"), "cancelSearch", this);
     cancel_->hide();
     connect(search_, &QLineEdit::returnPressed, this, [this] { updateSearch(search_->text()); });
     connect(searchButton_, &QToolButton::clicked, this, [this] { updateSearch(search_->text()); });

@@ -2,6 +2,7 @@
 
 #include <QAbstractButton>
 #include <QEvent>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QPainter>
 #include <QScrollArea>
@@ -180,6 +181,29 @@ QToolButton* headerButton(const QString& tip, QWidget* parent) {
     button->setToolTip(tip);
     button->setAccessibleName(tip);
     return button;
+}
+
+QToolButton* textButton(const QString& text, const char* name, QWidget* parent) {
+    auto* button = new QToolButton(parent);
+    button->setText(text);
+    button->setObjectName(QString::fromLatin1(name));
+    button->setAutoRaise(true);
+    button->setFocusPolicy(Qt::StrongFocus);
+    return button;
+}
+
+QWidget* captionBar(QWidget* back, QWidget* previous, QWidget* caption, QWidget* next,
+                    QWidget* action, QWidget* parent) {
+    auto* bar = new QWidget(parent);
+    bar->setObjectName(QStringLiteral("captionBar"));
+    auto* header = new QHBoxLayout(bar);
+    header->setContentsMargins(0, 0, 0, 0);
+    header->addWidget(back);
+    header->addWidget(previous);
+    header->addWidget(caption, 1);
+    header->addWidget(next);
+    header->addWidget(action);
+    return bar;
 }
 
 void setHeaderButtonPicture(QToolButton* button, const platform::QtPictures& pictures,

@@ -71,6 +71,12 @@ void paintFocusRing(QPainter& painter, const QWidget* widget, const QRectF& shap
 // A picture button of a screen's header (back, next), and its picture in
 // the look of the background in use; set it again when that changes.
 QToolButton* headerButton(const QString& tip, QWidget* parent);
+// A header's button that says what it does in a word or a sign ("◀", "+").
+QToolButton* textButton(const QString& text, const char* name, QWidget* parent);
+// The bar at the top of a page: back to the menu, a step back, the caption,
+// a step forward and the page's own action.
+QWidget* captionBar(QWidget* back, QWidget* previous, QWidget* caption, QWidget* next,
+                    QWidget* action, QWidget* parent);
 void setHeaderButtonPicture(QToolButton* button, const platform::QtPictures& pictures,
                             const std::string& picture, const core::AppState& state);
 

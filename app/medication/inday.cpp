@@ -30,15 +30,6 @@ constexpr int kNoAnswerTag = 2;
 constexpr const char* kMealTimes = "Время приема пищи";
 constexpr const char* kEditDay = "Редактировать";
 
-QToolButton* textButton(const QString& text, const char* name, QWidget* parent) {
-    auto* button = new QToolButton(parent);
-    button->setText(text);
-    button->setObjectName(QString::fromLatin1(name));
-    button->setAutoRaise(true);
-    button->setFocusPolicy(Qt::StrongFocus);
-    return button;
-}
-
 }  // namespace
 
 // ---- the list ----
@@ -99,9 +90,9 @@ inday::inday(InDayServices services, QWidget* parent)
     back_ = frame::headerButton(frame::translatedText(state, "Меню"), this);
     back_->setObjectName(QStringLiteral("toMenu"));
     connect(back_, &QToolButton::clicked, this, &Tab::menuRequested);
-    dayBack_ = textButton(QStringLiteral("◀"), "dayBack", this);
+    dayBack_ = frame::textButton(QStringLiteral("◀"), "dayBack", this);
     dayBack_->setToolTip(frame::translatedText(state, "Предыдущий день"));
-    dayNext_ = textButton(QStringLiteral("▶"), "dayNext", this);
+    dayNext_ = frame::textButton(QStringLiteral("▶"), "dayNext", this);
     dayNext_->setToolTip(frame::translatedText(state, "Следующий день"));
     connect(dayBack_, &QToolButton::clicked, this, [this] { changeDay(-1); });
     connect(dayNext_, &QToolButton::clicked, this, [this] { changeDay(1); });
@@ -112,15 +103,7 @@ inday::inday(InDayServices services, QWidget* parent)
     caption_->setObjectName(QStringLiteral("caption"));
     caption_->setAlignment(Qt::AlignCenter);
 
-    auto* bar = new QWidget(this);
-    bar->setObjectName(QStringLiteral("captionBar"));
-    auto* header = new QHBoxLayout(bar);
-    header->setContentsMargins(0, 0, 0, 0);
-    header->addWidget(back_);
-    header->addWidget(dayBack_);
-    header->addWidget(caption_, 1);
-    header->addWidget(dayNext_);
-    header->addWidget(edit_);
+    QWidget* bar = frame::captionBar(back_, dayBack_, caption_, dayNext_, edit_, this);
 
     scroll_ = new frame::ScrollView(this);
     scroll_->setWidgetResizable(true);

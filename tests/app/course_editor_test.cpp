@@ -63,7 +63,7 @@ private slots:
     void init() {
         openFolder();
         launchPastWelcome();
-        gid_ = addChildBorn("2025-03-20");
+        gid_ = addChild(QStringLiteral("Аня"), "2025-03-20");
     }
     void cleanup() { closeSession(); }
 
@@ -273,17 +273,6 @@ private:
     core::Context& context() { return session_->application().context(); }
     const core::Dates& dates() { return context().dates; }
     frame::Popups& popups() { return root_->popups(); }
-
-    // The program starts with a child born today; this one is older.
-    std::string addChildBorn(const char* birth) {
-        addChild(QStringLiteral("Аня"), birth);
-        for (const auto& child : diary::Profiles(context()).loadProfils()) {
-            if (child.childname == "Аня") {
-                return child.childguid;
-            }
-        }
-        return {};
-    }
 
     void put(const char* day, const char* type, const std::string& value) {
         diary::DayRows(*context().database.connectToBase(), dates())

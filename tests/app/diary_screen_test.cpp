@@ -59,7 +59,7 @@ private slots:
 
     void yearButtonsStayWithinChildhoodAndPlusOpensToday() {
         launchPastWelcome();
-        const std::string gid = addChildBorn("2012-11-22");
+        const std::string gid = addChild(QStringLiteral("Аня"), "2012-11-22");
         diary::note* page = open(gid);
         std::optional<diary::DayNote> opened;
         page->setDayOpener([&](const diary::DayNote& day, QRect) { opened = day; });
@@ -96,7 +96,7 @@ private slots:
 
     void searchesOnTheButtonAndOpensTheDayClicked() {
         launchPastWelcome();
-        const std::string gid = addChildBorn("2025-03-20");
+        const std::string gid = addChild(QStringLiteral("Аня"), "2025-03-20");
         put(gid, "2026-11-20", "ves", "11.200");
         put(gid, "2026-11-21", "note", "Гуляли в парке");
         put(gid, "2026-11-10", "ves", "11.100");
@@ -144,7 +144,7 @@ private slots:
 
     void aDayOpenedFromTheListIsEditedAndShownOnReturn() {
         launchPastWelcome();
-        const std::string gid = addChildBorn("2025-03-20");
+        const std::string gid = addChild(QStringLiteral("Аня"), "2025-03-20");
         put(gid, "2026-11-20", "ves", "11.200");
         diary::note* page = open(gid);
         // The day with the weight is the one the search finds.
@@ -178,7 +178,7 @@ private slots:
 
     void daysAreDeletedInTwoSteps() {
         launchPastWelcome();
-        const std::string gid = addChildBorn("2025-03-14");
+        const std::string gid = addChild(QStringLiteral("Аня"), "2025-03-14");
         put(gid, "2026-11-20", "note", "первый");
         put(gid, "2026-11-21", "note", "второй");
         put(gid, "2026-11-22", "note", "третий");
@@ -228,7 +228,7 @@ private slots:
 
     void rowsAreAsTallAsWhatTheyDrawAtAnyWidth() {
         launchPastWelcome();
-        const std::string gid = addChildBorn("2025-03-20");
+        const std::string gid = addChild(QStringLiteral("Аня"), "2025-03-20");
         put(gid, "2026-11-18", "note",
             "Долгая прогулка в парке, потом обед, сон и снова прогулка до самого вечера, "
             "пока не стемнело");
@@ -288,16 +288,6 @@ private slots:
 private:
     core::Context& context() { return session_->application().context(); }
     platform::SettingsStore& settings() { return context().settings; }
-
-    std::string addChildBorn(const char* birth) {
-        diary::Profiles profiles(context());
-        const std::string gid = core::newID();
-        diary::SetupRecord record = profiles.loadSetupData(gid);
-        record.name = "Аня";
-        record.sbirthdate = birth;
-        [&] { QVERIFY(profiles.saveSetupData(diary::saveflag::cloud, record, gid)); }();
-        return gid;
-    }
 
     void put(const std::string& gid, const char* date, const char* type, const std::string& v) {
         diary::DayRows(*context().database.connectToBase(), context().dates)

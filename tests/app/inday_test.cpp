@@ -34,7 +34,7 @@ private slots:
 
     void showsTheDayAndMovesByDays() {
         launchPastWelcome();
-        const std::string gid = addChildBorn("2025-03-20");
+        const std::string gid = addChild(QStringLiteral("Аня"), "2025-03-20");
         put(gid, "2026-11-22", "alarm", R"([{"time":"12:30","temp":"Позвонить педиатру"}])");
         put(gid, "2026-11-22", "pills",
             "[" + course("Парацетамол", "Независимо от еды", "2<td>раз в день", "10:00<td>21:30") +
@@ -79,7 +79,7 @@ private slots:
 
     void mealTimesRoundTripThroughTheirForm() {
         launchPastWelcome();
-        const std::string gid = addChildBorn("2025-03-20");
+        const std::string gid = addChild(QStringLiteral("Аня"), "2025-03-20");
         put(gid, "2026-11-22", "pills",
             "[" + course("Нурофен", "Перед едой", "1<td>раз в день", "") + "]");
         QVERIFY(medication::setObed(db(), medication::kDefaultMeals));
@@ -127,7 +127,7 @@ private slots:
 
     void editOpensTheShownDayAndComesBackToIt() {
         launchPastWelcome();
-        const std::string gid = addChildBorn("2025-03-20");
+        const std::string gid = addChild(QStringLiteral("Аня"), "2025-03-20");
         medication::inday* page = open(gid);
         click(page, "dayNext");
         page->actionEdit(QStringLiteral("Редактировать"));
@@ -145,16 +145,6 @@ private slots:
 private:
     core::Context& context() { return session_->application().context(); }
     SQLite::Database& db() { return *context().database.connectToBase(); }
-
-    std::string addChildBorn(const char* birth) {
-        addChild(QStringLiteral("Аня"), birth);
-        for (const auto& child : diary::Profiles(context()).loadProfils()) {
-            if (child.childname == "Аня") {
-                return child.childguid;
-            }
-        }
-        return {};
-    }
 
     void put(const std::string& gid, const char* date, const char* type, const std::string& v) {
         diary::DayRows(db(), context().dates)

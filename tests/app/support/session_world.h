@@ -55,14 +55,16 @@ protected:
         QTRY_VERIFY(root_->findChild<QFrame*>(QStringLiteral("firstStart")) == nullptr);
     }
 
-    // A child saved as a record from another device would be.
-    void addChild(const QString& name, const std::string& birth = "2025-03-14") {
+    // A child saved as a record from another device would be; its guid.
+    std::string addChild(const QString& name, const std::string& birth = "2025-03-14") {
         diary::Profiles profiles(session_->application().context());
         const std::string gid = core::newID();
         diary::SetupRecord record = profiles.loadSetupData(gid);
         record.name = name.toStdString();
         record.sbirthdate = birth;
-        QVERIFY(profiles.saveSetupData(diary::saveflag::cloud, record, gid));
+        QTest::qVerify(profiles.saveSetupData(diary::saveflag::cloud, record, gid).ok(), "saved",
+                       "", __FILE__, __LINE__);
+        return gid;
     }
 
     // Pictures of what the tests draw are left in build/screenshots.
