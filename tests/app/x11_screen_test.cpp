@@ -16,13 +16,16 @@
 #include <QtTest>
 
 #include "core/context.h"
+#include "core/database.h"
 #include "core/dates.h"
 #include "core/ids.h"
+#include "diary/day_rows.h"
 #include "diary/profiles.h"
 #include "frame/background_screen.h"
 #include "frame/main_menu.h"
 #include "frame/menu_views.h"
 #include "frame/session.h"
+#include "frame/tab.h"
 #include "frame/view_controller.h"
 #include "platform/clock.h"
 #include "session/application.h"
@@ -127,6 +130,43 @@ private slots:
             QVERIFY2(sameAsDrawn(strip), qPrintable(QStringLiteral("chooser drag %1").arg(step)));
         }
         shownOnScreen().save(screenshot("x11_chooser_scrolled.png"));
+    }
+
+    void theDaysScheduleScrollsAsItDraws() {
+        launchPastWelcome();
+        const std::string gid = addChild("Аня", "2025-03-14");
+        nlohmann::json reminders = nlohmann::json::array();
+        for (int hour = 6; hour < 23; ++hour) {
+            const std::string clock = (hour < 10 ? "0" : "") + std::to_string(hour);
+            for (const char* minutes : {":15", ":45"}) {
+                reminders.push_back(
+                    {{"time", clock + minutes}, {"temp", "Напоминание на " + clock + minutes}});
+            }
+        }
+        core::Context& context = session_->application().context();
+        diary::DayRows(*context.database.connectToBase(), context.dates)
+            .insertValue("alarm", reminders.dump(), context.dates.now(), gid, true, false);
+        state().pageDirty[2] = true;
+        root_->openTab(2, gid);
+        QTRY_COMPARE(root_->gCurTab(), 2);
+        settle();
+        auto* scroll = root_->tab(2)->findChild<QScrollArea*>();
+        QVERIFY(scroll != nullptr);
+        QVERIFY2(sameAsDrawn(scroll), "the day as first shown");
+        QScrollBar* bar = scroll->verticalScrollBar();
+        QVERIFY2(bar->maximum() > 300, qPrintable(QString::number(bar->maximum())));
+        for (int step = 0; step < 4; ++step) {
+            const int before = bar->value();
+            wheel(scroll, QPoint(0, -120));
+            QVERIFY(bar->value() > before);
+            QVERIFY2(sameAsDrawn(scroll), qPrintable(QStringLiteral("wheel step %1").arg(step)));
+        }
+        for (int step = 0; step < 4; ++step) {
+            bar->setValue(bar->value() + (step % 2 == 0 ? 71 : -37));
+            QVERIFY2(sameAsDrawn(scroll),
+                     qPrintable(QStringLiteral("scroll bar step %1").arg(step)));
+        }
+        shownOnScreen().save(screenshot("x11_inday_scrolled.png"));
     }
 
     void theBirthdayGreetingShowsItsCake() {
