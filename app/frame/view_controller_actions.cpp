@@ -196,7 +196,10 @@ void ViewController::openDayEditor(core::Date day, const std::string& gid,
         return;
     }
     if (dayEditor_ == nullptr) {
-        cloud_ = std::make_unique<diary::NoCloud>();
+        // The measure table may have made it already, and holds on to it.
+        if (cloud_ == nullptr) {
+            cloud_ = std::make_unique<diary::NoCloud>();
+        }
         photos_ = std::make_unique<diary::SystemPhotoSource>();
         dayEditor_ = new diary::noteEdit(
             diary::EditorServices{
