@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "core/dates.h"
+#include "diary/day_rows.h"
 #include "development/growth_centiles.h"
 #include "development/growth_norms.h"
 #include "support/core_fixture.h"
@@ -37,13 +38,7 @@ protected:
 
     void addRow(const std::string& gid, const std::string& type, const std::string& sdat,
                 const std::string& value) {
-        SQLite::Statement insert(
-            db(), "insert into childdata (type, value, sdat, childguid) values (?, ?, ?, ?)");
-        insert.bind(1, type);
-        insert.bind(2, value);
-        insert.bind(3, sdat);
-        insert.bind(4, gid);
-        insert.exec();
+        diary::DayRows(db(), dates).insertValue(type, value, day(sdat), gid, true, false);
     }
 
     // A boy born on `birth`, charted at `year` (by default his running year).
