@@ -239,8 +239,18 @@ void title::activate() {
 void title::changeText(bool animate) {
     view_ = growth_.changeText(centiles_->isChecked());
     const platform::Color text = services_.context.state.textColor;
+    // The centile lines in the text's colour stand out on any backdrop.
+    const platform::Color lines{text.r, text.g, text.b, 0.7};
     for (GraphDic* dic : {&view_.rost.color, &view_.rost.gray, &view_.ves.color, &view_.ves.gray}) {
         dic->textColor = text;
+        for (ExtraCurve& curve : dic->extraCurves) {
+            curve.color = lines;
+        }
+        for (LegendEntry& entry : dic->legenda) {
+            if (entry.color) {
+                entry.color = lines;
+            }
+        }
     }
     caption_->setText(QString::fromStdString(view_.caption));
     const bool turns = growth_.months() >= 12;

@@ -329,8 +329,7 @@ GrowthChart Growth::chart(bool height, core::Date start, const std::vector<AxisT
             const auto lms = table->at((offset + last.x) / kDaysPerMonth);
             const auto z = lms ? zScore(*lms, last.y) : std::nullopt;
             if (z) {
-                result.lastMeasure =
-                    lastMeasureText(last.y, height ? 1 : 3, height ? "см" : "кг", *z);
+                result.lastMeasure = lastMeasureText(last.y, 1, height ? "см" : "кг", *z);
             }
         }
     }
