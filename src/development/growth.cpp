@@ -58,8 +58,8 @@ std::string label(double y) {
     return core::formatFixed(y, 1);
 }
 
-// The first row of a norm table is the start of the year and the second its
-// end, as the year table gives them.
+// One point in each of the four norm curves: entry `index` of the tables,
+// `x` months or years from `start` as `add` counts them.
 template <std::size_t N>
 void addYearBand(const core::Dates& dates, GrowthData& data, const NormCurves<N>& norms,
                  std::size_t index, int x, core::Date start,
@@ -131,8 +131,9 @@ void addPointAxis2(const core::Dates& dates, std::vector<AxisTick>& ticks, int x
 }
 
 int runningYear(int months) {
-    // Truncating division: a child due within the year is in year 1 too.
-    return months / kMonthsInYear + 1;
+    // Truncating division: a child due within the year is in year 1 too; one
+    // due later has only the whole-life view, empty until then.
+    return std::max(0, months / kMonthsInYear + 1);
 }
 
 int prevYear(int gyear, int months) {
@@ -173,30 +174,32 @@ Growth::~Growth() = default;
 
 void Growth::activateView(std::string gid) {
     gid_ = std::move(gid);
-    loadData(-1);
+    data_ = {};
+    loadProfile();
     gyear_ = runningYear(months_);
 }
 
-std::optional<core::Date> Growth::loadData(int year) {
+diary::SetupRecord Growth::loadProfile() {
     const core::Dates& dates = context_.dates;
-    data_ = {};
-    const diary::SetupRecord setup = diary::Profiles(context_).loadSetupData(gid_);
+    diary::SetupRecord setup = diary::Profiles(context_).loadSetupData(gid_);
     sex_ = setup.sex;
     // A birth date that is missing or not a date leaves nothing to chart.
     const std::optional<core::Date> born =
         setup.sbirthdate ? dates.dateFromStringFormat(*setup.sbirthdate, core::formats::day)
                          : std::nullopt;
-    if (!born) {
-        birth_.reset();
-        months_ = 0;
+    birth_ = born ? std::optional(dates.noTime(*born)) : std::nullopt;
+    months_ = birth_ ? dates.getMonths(*birth_, dates.noTime(dates.now())) : 0;
+    return setup;
+}
+
+std::optional<core::Date> Growth::loadData(int year) {
+    const core::Dates& dates = context_.dates;
+    data_ = {};
+    const diary::SetupRecord setup = loadProfile();
+    if (!birth_) {
         return std::nullopt;
     }
-    const core::Date birth = dates.noTime(*born);
-    birth_ = birth;
-    months_ = dates.getMonths(birth, dates.noTime(dates.now()));
-    if (year < 0) {
-        return birth;
-    }
+    const core::Date birth = *birth_;
 
     const core::Date start = year >= 2 ? dates.addYears(birth, year - 1) : birth;
     if (year == 1) {
@@ -212,7 +215,7 @@ std::optional<core::Date> Growth::loadData(int year) {
                             &addPointYear);
             }
         }
-    } else if (year <= kLastNormYear) {
+    } else if (year >= 2 && year <= kLastNormYear) {
         const auto& norms = yearNorms(sex_);
         addYearBand(dates, data_, norms, static_cast<std::size_t>(year - 1), 0, start,
                     &addPointMonth);

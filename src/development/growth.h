@@ -18,7 +18,8 @@ class Dates;
 
 namespace tilika::diary {
 class DiaryStore;
-}
+struct SetupRecord;
+}  // namespace tilika::diary
 
 namespace tilika::development {
 
@@ -113,6 +114,8 @@ public:
     core::WriteResult setCentilesOn(bool on);
 
 private:
+    // Reads the child's record: sex, birth date and age today.
+    diary::SetupRecord loadProfile();
     GrowthChart chart(bool height, core::Date start, const std::vector<AxisTick>& ticks,
                       bool centiles);
 

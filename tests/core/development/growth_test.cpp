@@ -104,9 +104,10 @@ TEST_F(GrowthTest, AChildNotYetBornHasAtMostTheBirthPoint) {
     EXPECT_TRUE(soon.rost.color.xAxisValue.empty());
     EXPECT_EQ(soon.today, 0);
 
-    // Due in two years: nothing at all.
+    // Due in two years: nothing at all, and no year of life to show.
     growth = growthOf(newChild("2028-11-22"));
-    growth->changeText(false);
+    EXPECT_EQ(growth->gyear(), 0);
+    EXPECT_EQ(growth->changeText(false).caption, "Все данные");
     EXPECT_TRUE(growth->data().upData1.empty());
     EXPECT_TRUE(growth->data().downData2.empty());
 }
