@@ -6,9 +6,9 @@
 #include <sstream>
 
 #include "core/dates.h"
-#include "diary/day_rows.h"
 #include "development/growth_centiles.h"
 #include "development/growth_norms.h"
+#include "diary/day_rows.h"
 #include "support/core_fixture.h"
 
 namespace tilika::development {
