@@ -153,10 +153,18 @@ title::title(GrowthServices services, QWidget* parent)
     // The arrows turn the pages; the years go by Page Up and Page Down.
     auto* pageUp = new QShortcut(QKeySequence(Qt::Key_PageUp), this);
     pageUp->setContext(Qt::WindowShortcut);
-    connect(pageUp, &QShortcut::activated, this, &title::prevYear);
+    connect(pageUp, &QShortcut::activated, this, [this] {
+        if (nothingOver()) {
+            prevYear();
+        }
+    });
     auto* pageDown = new QShortcut(QKeySequence(Qt::Key_PageDown), this);
     pageDown->setContext(Qt::WindowShortcut);
-    connect(pageDown, &QShortcut::activated, this, &title::nextYear);
+    connect(pageDown, &QShortcut::activated, this, [this] {
+        if (nothingOver()) {
+            nextYear();
+        }
+    });
 
     centiles_ = new QCheckBox(frame::translatedText(state, "Центили ВОЗ"), this);
     centiles_->setObjectName(QStringLiteral("centiles"));
@@ -194,6 +202,12 @@ title::title(GrowthServices services, QWidget* parent)
     layout->addWidget(centile1_);
     layout->addWidget(ch2_, 1);
     layout->addWidget(centile2_);
+}
+
+bool title::nothingOver() const {
+    // The keys are the window's: a form or a popup over the page keeps them.
+    const core::AppState& state = services_.context.state;
+    return state.openForms == 0 && !state.popupShown;
 }
 
 void title::applyLook() {

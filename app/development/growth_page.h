@@ -115,6 +115,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    bool nothingOver() const;
     void applyLook();
     void startAnimation();
 

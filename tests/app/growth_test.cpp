@@ -101,6 +101,9 @@ private slots:
         auto* table = root_->findChild<diary::edittable*>(QStringLiteral("edittable"));
         QVERIFY(table != nullptr && table->isVisible());
         QCOMPARE(table->captionLabel()->text(), QStringLiteral("Рост"));
+        // The years stay put under the table.
+        QTest::keyClick(root_, Qt::Key_PageUp);
+        QCOMPARE(caption(page), QStringLiteral("3-й год"));
         put(gid, "2026-11-20", "rost", "92.0");
         table->findChild<QToolButton*>(QStringLiteral("back"))->click();
         QTRY_COMPARE(page->view().rost.color.graph[2].size(), before + 1);
