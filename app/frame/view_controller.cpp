@@ -19,7 +19,9 @@
 
 #include "core/context.h"
 #include "development/passport_page.h"
+#include "development/growth_page.h"
 #include "diary/day_cloud.h"
+#include "diary/edit_table.h"
 #include "diary/note.h"
 #include "diary/note_edit.h"
 #include "diary/photo_source.h"
@@ -49,6 +51,7 @@ namespace {
 constexpr int kSlideMs = 400;
 constexpr int kPassportPage = 1;
 constexpr int kDayPage = 2;
+constexpr int kGrowthPage = 3;
 constexpr int kDiaryPage = 9;
 // A drag becomes a swipe once it has gone this far, mostly sideways.
 constexpr int kSwipeStart = 12;
@@ -210,6 +213,23 @@ Tab* ViewController::tab(int pageId) {
                     openDayEditor(date, gid, std::move(onClose));
                 });
             slot = day;
+        } else if (pageId == kGrowthPage) {
+            auto* growth = new development::title(
+                development::GrowthServices{context_, services_.pictures, *popups_}, this);
+            growth->setTableOpener(
+                [this](int regim, const std::string& gid, std::function<void()> onClose) {
+                    // One table over the window, made when first asked for.
+                    auto* table = findChild<diary::edittable*>(QStringLiteral("edittable"),
+                                                               Qt::FindDirectChildrenOnly);
+                    if (table == nullptr) {
+                        table = new diary::edittable(context_,
+                                                     FormServices{state_, context_.dates, *popups_,
+                                                                  services_.pictures, lists_.get()},
+                                                     dayCloud(), this);
+                    }
+                    table->prepare(regim, gid, std::move(onClose));
+                });
+            slot = growth;
         } else {
             // Sections without their own page yet show what they are and
             // that they are coming.

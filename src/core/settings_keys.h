@@ -30,6 +30,9 @@ inline constexpr std::string_view emptyNote = "emptyNote";
 inline constexpr std::string_view pass = "pass";
 inline constexpr std::string_view password = "password";
 
+// The growth charts show the WHO centile lines.
+inline constexpr std::string_view growthCentiles = "growthCentiles";
+
 // Cloud.
 inline constexpr std::string_view cloudall = "cloudall";
 inline constexpr std::string_view dropboxCursor = "dropboxCursor";

@@ -152,6 +152,36 @@ Color curveColor(const GraphDic& dic, std::size_t index) {
                                                      : nextColor(static_cast<int>(index) + 1));
 }
 
+Color extraColor(const ExtraCurve& curve) {
+    return curve.color.value_or(kDarkText);
+}
+
+// The name of an extra curve just inside the plot's right edge, above its
+// last point there, so that the names of close curves stay apart.
+void drawEndLabel(Canvas& canvas, const GraphDic& dic, const ExtraCurve& curve, const Rect& plot,
+                  const Ink& ink) {
+    if (curve.label.empty()) {
+        return;
+    }
+    std::optional<Point> end;
+    for (const auto& point : curve.points) {
+        if (point.x > dic.xAxisMax) {
+            break;
+        }
+        if (const auto at = getPoint(dic, point, plot)) {
+            end = at;
+        }
+    }
+    if (!end || end->y < plot.y || end->y > plot.bottom()) {
+        return;
+    }
+    const double z = zoomOf(dic);
+    const Font font{8 * z};
+    const double width = canvas.measureText(curve.label, font, 0).width + 2 * z;
+    canvas.drawText(curve.label, Rect{end->x - width - 1 * z, end->y - 11 * z, width, 10 * z}, font,
+                    ink(extraColor(curve)), TextAlign::Right);
+}
+
 }  // namespace
 
 GraphDic initGraphDic() {
@@ -159,7 +189,7 @@ GraphDic initGraphDic() {
 }
 
 void addToLegenda(GraphDic& dic, std::string caption, int pos, bool checked) {
-    dic.legenda.push_back({std::move(caption), pos, checked});
+    dic.legenda.push_back({std::move(caption), pos, checked, std::nullopt});
 }
 
 void addPoint(std::vector<GraphPoint>& points, double x, double y, std::string label) {
@@ -290,12 +320,18 @@ void drawNewGraph(Canvas& canvas, const GraphDic& dic, const Rect& rect, bool gr
     if (ranged) {
         canvas.save();
         canvas.clip(plot);
+        for (const auto& curve : dic.extraCurves) {
+            drawNewLine(canvas, dic, curve.points, plot, curve.type, extraColor(curve), ink);
+        }
         for (std::size_t i = 0; i < dic.graph.size(); ++i) {
             drawNewLine(canvas, dic, dic.graph[i], plot, dic.graphType[i], curveColor(dic, i), ink);
         }
         canvas.restore();
         for (std::size_t i = 0; i < dic.graph.size(); ++i) {
             drawLabels(canvas, dic, dic.graph[i], plot, dic.graphType[i], curveColor(dic, i), ink);
+        }
+        for (const auto& curve : dic.extraCurves) {
+            drawEndLabel(canvas, dic, curve, plot, ink);
         }
         drawLabels(canvas, dic, dic.points, plot, linestyle::dotsOnly,
                    dic.mainColor.value_or(kMainColor), ink);
@@ -313,7 +349,8 @@ void drawNewGraph(Canvas& canvas, const GraphDic& dic, const Rect& rect, bool gr
         for (const auto& entry : dic.legenda) {
             // Entries past the curves name the shares of a ring, in its colours.
             const Color color =
-                entry.pos > 3
+                entry.color ? *entry.color
+                : entry.pos > 3
                     ? nextColor(entry.pos)
                     : curveColor(dic, static_cast<std::size_t>(std::clamp(entry.pos, 1, 3) - 1));
             const double alpha = entry.checked ? 1 : 0.35;

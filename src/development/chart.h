@@ -26,6 +26,8 @@ struct LegendEntry {
     std::string caption;
     int pos = 0;  // the curve it names, 1 to 3
     bool checked = true;
+    // A colour of its own, for an entry that names extra curves.
+    std::optional<platform::Color> color;
 };
 
 struct ImageHint {
@@ -46,6 +48,15 @@ inline constexpr int shadeBelowStrong = 7;
 inline constexpr int dashed = 8;
 }  // namespace linestyle
 
+// A curve over the three numbered ones, such as a reference line, with its
+// name at its right end.
+struct ExtraCurve {
+    std::vector<GraphPoint> points;
+    int type = linestyle::dashed;
+    std::optional<platform::Color> color;
+    std::string label;
+};
+
 // Everything a graph is drawn from. Curves are numbered 1 to 3, as the
 // screens that build them count.
 struct GraphDic {
@@ -61,6 +72,8 @@ struct GraphDic {
                                  linestyle::shadeAbove};
     // The first takes mainColor; legend entries past the third take nextColor.
     std::array<std::optional<platform::Color>, 3> graphColor;
+    // Drawn under the three numbered curves.
+    std::vector<ExtraCurve> extraCurves;
     std::vector<GraphPoint> points;
     std::vector<ImageHint> imageHints;
     std::vector<LegendEntry> legenda;

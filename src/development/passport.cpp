@@ -64,6 +64,15 @@ int Passport::getCurMonth(core::Date date) const {
     return dates.getMonths(dates.noTime(date), dates.noTime(dates.now())) + 1;
 }
 
+int Passport::getCurPeriod(const diary::SetupRecord& setup) const {
+    return getCurMonth(setup.birthdate);
+}
+
+int Passport::getCurWeek(core::Date date) const {
+    const core::Dates& dates = context_.dates;
+    return dates.getDays(dates.noTime(date), dates.noTime(dates.now())) / 7;
+}
+
 std::string Passport::dateToPeriod(core::Date date) const {
     const int w = getCurMonth(date) - 1;
     if (w < 1) {

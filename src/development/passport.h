@@ -57,6 +57,10 @@ public:
     // The running month of life counted from the day: whole months to today
     // plus 1.
     int getCurMonth(core::Date date) const;
+    // The running month of life of a child by its record.
+    int getCurPeriod(const diary::SetupRecord& setup) const;
+    // Whole weeks from the day to today, truncated towards the day.
+    int getCurWeek(core::Date date) const;
 
     // The child's age today: in weeks and days, as the running month of
     // life, or (any other mode) in months and days.

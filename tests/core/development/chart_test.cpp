@@ -146,6 +146,47 @@ TEST(ChartTest, LineStylesAndLegendColours) {
     EXPECT_EQ(swatches.back().color, nextColor(5));
 }
 
+TEST(ChartTest, ExtraCurvesAreDashedAndNamedAtTheirRightEnd) {
+    GraphDic dic = initGraphDic();
+    dic.xAxisMax = 10;
+    dic.yAxisMax = 10;
+    const platform::Color grey{0.3, 0.3, 0.3};
+    for (double level : {4.0, 30.0}) {
+        ExtraCurve curve;
+        addPoint(curve.points, 0, level);
+        addPoint(curve.points, 8, level + 2);
+        // Past the x range: the name stays at the last point inside it.
+        addPoint(curve.points, 12, level + 3);
+        curve.color = grey;
+        curve.label = level < 10 ? "3" : "97";
+        dic.extraCurves.push_back(std::move(curve));
+    }
+    addToLegenda(dic, "Центили", 0, true);
+    dic.legenda.back().color = grey;
+    const Rect rect{0, 0, 300, 200};
+    const Rect plot = plotRect(dic, rect);
+    platform::RecordingCanvas canvas;
+    drawNewGraph(canvas, dic, rect);
+
+    std::size_t dashes = 0;
+    for (const auto& line : ofKind(canvas, DrawCommand::Kind::Line)) {
+        dashes += line.color == grey ? 1 : 0;
+    }
+    EXPECT_GT(dashes, 20u);
+    std::vector<DrawCommand> names;
+    for (const auto& text : ofKind(canvas, DrawCommand::Kind::Text)) {
+        if (text.text == "3" || text.text == "97") {
+            names.push_back(text);
+        }
+    }
+    // The curve above the range has no name to show.
+    ASSERT_EQ(names.size(), 1u);
+    EXPECT_EQ(names[0].text, "3");
+    EXPECT_NEAR(names[0].rect.right(), getPoint(dic, 8, 6, plot)->x, 2);
+    EXPECT_LT(names[0].rect.bottom(), getPoint(dic, 8, 6, plot)->y);
+    EXPECT_EQ(ofKind(canvas, DrawCommand::Kind::FillRect).back().color, grey);
+}
+
 TEST(ChartTest, GraphWithoutRangeDrawsAxesAlone) {
     GraphDic dic = growthChart();
     dic.xAxisMax = dic.xAxisMin;

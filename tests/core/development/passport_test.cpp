@@ -42,6 +42,12 @@ protected:
 TEST_F(PassportTest, PeriodCountsWholeMonthsBackWithTheYearLeftBlank) {
     EXPECT_EQ(passport.getCurMonth(day("2026-11-22")), 1);
     EXPECT_EQ(passport.getCurMonth(day("2026-10-22")), 2);
+    diary::SetupRecord setup;
+    setup.birthdate = day("2026-09-21");
+    EXPECT_EQ(passport.getCurPeriod(setup), 3);
+    EXPECT_EQ(passport.getCurWeek(day("2026-11-09")), 1);
+    EXPECT_EQ(passport.getCurWeek(day("2026-11-08")), 2);
+    EXPECT_EQ(passport.getCurWeek(day("2026-12-05")), -1);
 
     EXPECT_EQ(passport.dateToPeriod(day("2026-11-01")), "меньше месяца");
     EXPECT_EQ(passport.dateToPeriod(day("2026-10-23")), "меньше месяца");
