@@ -326,6 +326,9 @@ void vesslider::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     if (border_) {
+        // A bordered ruler is a card of its own: its value reads on any
+        // backdrop, a dark one too.
+        painter.setBrush(palette().color(QPalette::Base));
         painter.setPen(QPen(palette().color(QPalette::Mid), 1));
         painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 6, 6);
     }
