@@ -260,12 +260,16 @@ void vesslider::place(double value, bool active) {
 }
 
 void vesslider::step(int ticks) {
-    if (!ruler_ || ticks == 0) {
-        return;
+    if (ruler_) {
+        stepScroll(main_, ruler_->unitWidth() / ruler_->ticksPerUnit(), ticks);
     }
-    QScrollBar* bar = main_->horizontalScrollBar();
-    const double tick = ruler_->unitWidth() / ruler_->ticksPerUnit();
-    bar->setValue(bar->value() + static_cast<int>(std::lround(ticks * tick)));
+}
+
+void vesslider::stepScroll(QScrollArea* scroll, double tick, int ticks) {
+    if (ticks != 0) {
+        QScrollBar* bar = scroll->horizontalScrollBar();
+        bar->setValue(bar->value() + static_cast<int>(std::lround(ticks * tick)));
+    }
 }
 
 void vesslider::keyPressEvent(QKeyEvent* event) {
@@ -311,7 +315,12 @@ bool vesslider::eventFilter(QObject* watched, QEvent* event) {
         constexpr int kNotch = 120;
         const int ticks = wheelAngle_ / kNotch;
         wheelAngle_ -= ticks * kNotch;
-        step(ticks);
+        if (watched == second_->viewport() && ruler_) {
+            // The second ruler's ticks are its digits.
+            stepScroll(second_, ruler_->secondContentWidth() / Ruler::kSecondWidth * 5, ticks);
+        } else {
+            step(ticks);
+        }
         return true;
     }
     // The rulers are laid out for the width that shows of them.

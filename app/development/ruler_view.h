@@ -68,6 +68,7 @@ private:
     double mainLeft() const;
     double secondLeft() const;
     void tell();
+    void stepScroll(QScrollArea* scroll, double tick, int ticks);
     void layoutRulers();
     void placePointers();
 
