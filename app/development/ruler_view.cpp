@@ -1,11 +1,16 @@
 #include "development/ruler_view.h"
 
 #include <QEvent>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
 #include <QScroller>
 #include <QVBoxLayout>
+#include <QWheelEvent>
+
+#include <cmath>
+#include <cstdlib>
 
 #include "frame/scroll_view.h"
 
@@ -138,6 +143,12 @@ vesslider::vesslider(QWidget* parent)
         pointer->hide();
     }
 
+    // The ruler itself takes the arrow keys, a tick at a time; the scroll
+    // areas would move by a scroll bar's step, which is no tick.
+    setFocusPolicy(Qt::StrongFocus);
+    main_->setFocusPolicy(Qt::NoFocus);
+    second_->setFocusPolicy(Qt::NoFocus);
+
     main_->viewport()->installEventFilter(this);
     second_->viewport()->installEventFilter(this);
 
@@ -145,10 +156,31 @@ vesslider::vesslider(QWidget* parent)
     settle_.setInterval(kSettleMs);
     connect(&settle_, &QTimer::timeout, this, &vesslider::tell);
     for (QScrollArea* scroll : {main_, second_}) {
-        connect(scroll->horizontalScrollBar(), &QScrollBar::valueChanged, this, [this] {
+        // A new range clamps the scroll bar's value (the scale laid out while
+        // hidden, a narrower window), and that move is nobody's choice: the
+        // ruler goes back to the value it stands for once the layout is done.
+        QScrollBar* bar = scroll->horizontalScrollBar();
+        connect(bar, &QScrollBar::rangeChanged, this, [this, bar](int min, int max) {
+            // The range is new and the value not yet bound to it.
+            clamping_ = bar->value() < min || bar->value() > max;
+            if (!replacing_) {
+                replacing_ = true;
+                QTimer::singleShot(0, this, [this] {
+                    replacing_ = false;
+                    place(kept_, keptActive_);
+                });
+            }
+        });
+        connect(bar, &QScrollBar::valueChanged, this, [this] {
+            if (clamping_) {
+                clamping_ = false;
+                return;
+            }
             if (!placing_) {
                 marks_ = true;
                 setCurOffset();
+                kept_ = gposition_;
+                keptActive_ = marks_;
                 settle_.start();
             }
         });
@@ -203,6 +235,8 @@ void vesslider::place(double value, bool active) {
     if (!ruler_) {
         return;
     }
+    kept_ = value;
+    keptActive_ = active;
     const RulerPlacement placement =
         ruler_->place(value, active, main_->viewport()->width(), second_->viewport()->width());
     placing_ = true;
@@ -225,6 +259,30 @@ void vesslider::place(double value, bool active) {
     }
 }
 
+void vesslider::step(int ticks) {
+    if (ruler_) {
+        stepScroll(main_, ruler_->unitWidth() / ruler_->ticksPerUnit(), ticks);
+    }
+}
+
+void vesslider::stepScroll(QScrollArea* scroll, double tick, int ticks) {
+    if (ticks != 0) {
+        QScrollBar* bar = scroll->horizontalScrollBar();
+        bar->setValue(bar->value() + static_cast<int>(std::lround(ticks * tick)));
+    }
+}
+
+void vesslider::keyPressEvent(QKeyEvent* event) {
+    if (event->modifiers() == Qt::NoModifier || event->modifiers() == Qt::KeypadModifier) {
+        if (event->key() == Qt::Key_Left || event->key() == Qt::Key_Right) {
+            step(event->key() == Qt::Key_Left ? -1 : 1);
+            event->accept();
+            return;
+        }
+    }
+    QWidget::keyPressEvent(event);
+}
+
 void vesslider::tell() {
     if (selector_) {
         selector_(gposition_);
@@ -237,18 +295,32 @@ void vesslider::resizeEvent(QResizeEvent* event) {
 }
 
 void vesslider::rulersResized() {
-    const double kept = gposition_;
-    const bool active = marks_;
     placing_ = true;
     layoutRulers();
     placing_ = false;
     // The same value again, without telling anyone: nothing was chosen.
-    place(active ? kept : 0, active);
+    place(kept_, keptActive_);
 }
 
 bool vesslider::eventFilter(QObject* watched, QEvent* event) {
     if (watched == value_ && event->type() == QEvent::MouseButtonRelease) {
         setPosition(0, false);
+        return true;
+    }
+    if ((watched == main_->viewport() || watched == second_->viewport()) &&
+        event->type() == QEvent::Wheel) {
+        // Either wheel turns the ruler, the way it scrolls a scroll bar.
+        const QPoint delta = static_cast<QWheelEvent*>(event)->angleDelta();
+        wheelAngle_ += std::abs(delta.x()) > std::abs(delta.y()) ? -delta.x() : -delta.y();
+        constexpr int kNotch = 120;
+        const int ticks = wheelAngle_ / kNotch;
+        wheelAngle_ -= ticks * kNotch;
+        if (watched == second_->viewport() && ruler_) {
+            // The second ruler's ticks are its digits.
+            stepScroll(second_, ruler_->secondContentWidth() / Ruler::kSecondWidth * 5, ticks);
+        } else {
+            step(ticks);
+        }
         return true;
     }
     // The rulers are laid out for the width that shows of them.
@@ -263,6 +335,9 @@ void vesslider::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     if (border_) {
+        // A bordered ruler is a card of its own: its value reads on any
+        // backdrop, a dark one too.
+        painter.setBrush(palette().color(QPalette::Base));
         painter.setPen(QPen(palette().color(QPalette::Mid), 1));
         painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 6, 6);
     }

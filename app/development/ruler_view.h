@@ -47,6 +47,9 @@ public:
     void setPosition(double value, bool active);
     double getPosition() const { return gposition_; }
     QString text() const { return value_->text(); }
+    // Moves the ruler by whole ticks (months on a month ruler), as a wheel
+    // notch or an arrow key does.
+    void step(int ticks);
     // Told the value when scrolling stops or a value is set.
     void setSelector(std::function<void(double)> selector) { selector_ = std::move(selector); }
 
@@ -54,6 +57,7 @@ public:
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
@@ -64,6 +68,7 @@ private:
     double mainLeft() const;
     double secondLeft() const;
     void tell();
+    void stepScroll(QScrollArea* scroll, double tick, int ticks);
     void layoutRulers();
     void placePointers();
 
@@ -80,6 +85,15 @@ private:
     bool marks_ = false;
     bool border_ = false;
     bool placing_ = false;
+    // The value the ruler stands for, set or scrolled to; a new layout goes
+    // back to it.
+    double kept_ = 0;
+    bool keptActive_ = false;
+    bool clamping_ = false;
+    bool replacing_ = false;
+    // A touchpad's wheel comes in slivers; a tick moves once they add up to
+    // a notch.
+    int wheelAngle_ = 0;
 };
 
 }  // namespace tilika::development

@@ -219,12 +219,27 @@ QSize TeethChart::sizeHint() const {
     return {300, heightForWidth(300)};
 }
 
-QRectF TeethChart::jawRect() const {
+QRectF jawRectIn(QSizeF area) {
     const double scale =
-        std::min(width() / kJawSize.width(), std::min(height() / kJawSize.height(), 1.2));
+        std::min(area.width() / kJawSize.width(), std::min(area.height() / kJawSize.height(), 1.2));
     const QSizeF size = kJawSize * scale;
-    return {(width() - size.width()) / 2, (height() - size.height()) / 2, size.width(),
+    return {(area.width() - size.width()) / 2, (area.height() - size.height()) / 2, size.width(),
             size.height()};
+}
+
+QRectF toothPictureRect(const QRectF& jaw, int n) {
+    if (n < 1 || n > static_cast<int>(kSpots.size())) {
+        return {};
+    }
+    const double scale = jaw.width() / kJawSize.width();
+    const double side = kMarkSize * scale;
+    const ToothSpot& spot = kSpots[static_cast<std::size_t>(n - 1)];
+    return {jaw.left() + spot.x * scale - side / 2, jaw.top() + spot.y * scale - side / 2, side,
+            side};
+}
+
+QRectF TeethChart::jawRect() const {
+    return jawRectIn(QSizeF(size()));
 }
 
 void TeethChart::resizeEvent(QResizeEvent* event) {
@@ -275,20 +290,18 @@ void TeethChart::paintEvent(QPaintEvent* /*event*/) {
     painter.setRenderHint(QPainter::Antialiasing);
     const QRectF jaw = jawRect();
     pictures_.draw(painter, "tooth-m.png", jaw);
-    const double markScale = jaw.width() / kJawSize.width();
     for (std::size_t i = 0; i < kSpots.size(); ++i) {
         if (marks_[i]) {
-            const double side = kMarkSize * markScale;
-            pictures_.draw(painter, "tooth-" + std::to_string(i + 1) + ".png",
-                           QRectF(jaw.left() + kSpots[i].x * markScale - side / 2,
-                                  jaw.top() + kSpots[i].y * markScale - side / 2, side, side));
+            const int n = static_cast<int>(i) + 1;
+            pictures_.draw(painter, "tooth-" + std::to_string(n) + ".png",
+                           toothPictureRect(jaw, n));
         }
     }
     QFont font = painter.font();
     font.setPixelSize(std::max(11, static_cast<int>(jaw.width() / 22)));
     painter.setFont(font);
     painter.setPen(QColor(0x3a, 0x3a, 0x3a));
-    const double scale = markScale;
+    const double scale = jaw.width() / kJawSize.width();
     const QRectF upper(jaw.left(), jaw.top() + kUpperLabelTop * scale, jaw.width(),
                        kLabelHeight * scale);
     const QRectF lower(jaw.left(), jaw.top() + kLowerLabelTop * scale, jaw.width(),

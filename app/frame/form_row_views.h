@@ -64,6 +64,12 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 };
 
+// The jaw picture ("tooth-m.png") laid out in the middle of an area, and the
+// place of the picture of tooth n (1 to 20) on it ("tooth-n.png"); an empty
+// rectangle for a number outside the chart.
+QRectF jawRectIn(QSizeF area);
+QRectF toothPictureRect(const QRectF& jaw, int n);
+
 // A child's jaw with its 20 teeth: a tap on a tooth marks it or takes the
 // mark away. Teeth are numbered 1 to 20, the upper ones first, from the
 // viewer's left.

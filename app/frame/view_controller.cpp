@@ -18,8 +18,10 @@
 #include <QVariantAnimation>
 
 #include "core/context.h"
-#include "development/passport_page.h"
 #include "development/growth_page.h"
+#include "development/passport_page.h"
+#include "development/ruler_view.h"
+#include "development/tooth_page.h"
 #include "diary/day_cloud.h"
 #include "diary/edit_table.h"
 #include "diary/note.h"
@@ -52,6 +54,7 @@ constexpr int kSlideMs = 400;
 constexpr int kPassportPage = 1;
 constexpr int kDayPage = 2;
 constexpr int kGrowthPage = 3;
+constexpr int kToothPage = 6;
 constexpr int kDiaryPage = 9;
 // A drag becomes a swipe once it has gone this far, mostly sideways.
 constexpr int kSwipeStart = 12;
@@ -73,7 +76,8 @@ bool usesArrows(const QWidget* widget) {
     return editsText(widget) || qobject_cast<const QComboBox*>(widget) != nullptr ||
            qobject_cast<const QAbstractSlider*>(widget) != nullptr ||
            qobject_cast<const QAbstractItemView*>(widget) != nullptr ||
-           qobject_cast<const QTabBar*>(widget) != nullptr;
+           qobject_cast<const QTabBar*>(widget) != nullptr ||
+           qobject_cast<const development::vesslider*>(widget) != nullptr;
 }
 
 // Enter and Return press the focused button, as Space does.
@@ -102,7 +106,8 @@ bool usesLeftDrags(const QWidget* widget) {
 // Controls that a sideways drag works, inside a text view's viewport too.
 bool usesDrags(const QWidget* widget) {
     for (const QWidget* w = widget; w != nullptr; w = w->parentWidget()) {
-        if (editsText(w) || qobject_cast<const QAbstractSlider*>(w) != nullptr) {
+        if (editsText(w) || qobject_cast<const QAbstractSlider*>(w) != nullptr ||
+            qobject_cast<const development::vesslider*>(w) != nullptr) {
             return true;
         }
         if (w->isWindow()) {
@@ -230,6 +235,14 @@ Tab* ViewController::tab(int pageId) {
                     table->prepare(regim, gid, std::move(onClose));
                 });
             slot = growth;
+        } else if (pageId == kToothPage) {
+            auto* teeth = new development::tooth(
+                development::ToothServices{context_, services_.pictures}, this);
+            teeth->setDayOpener(
+                [this](core::Date date, const std::string& gid, std::function<void()> onClose) {
+                    openDayEditor(date, gid, std::move(onClose));
+                });
+            slot = teeth;
         } else {
             // Sections without their own page yet show what they are and
             // that they are coming.

@@ -5,6 +5,7 @@
 #include "core/database.h"
 #include "core/dates.h"
 #include "core/text.h"
+#include "diary/teeth_replay.h"
 
 namespace tilika::diary {
 
@@ -142,12 +143,7 @@ std::string DayRows::getLastDateValue(core::Date date, std::string_view type,
 }
 
 std::string DayRows::toothForDay(core::Date date, std::string_view gid) {
-    // Each day's value holds only its changes: a tooth that came through by
-    // its number, a lost one by its number plus 100. Replayed oldest first
-    // they give the teeth of the day before.
-    constexpr int kTeeth = 20;
-    constexpr int kLost = 100;
-    std::array<bool, kTeeth + 1> present{};
+    ToothReplay teeth;
     note(core::tryWrite("toothForDay", [&] {
         SQLite::Statement query(db_,
                                 "select value from childdata where type='tooth' and childguid=? "
@@ -155,24 +151,10 @@ std::string DayRows::toothForDay(core::Date date, std::string_view gid) {
         query.bind(1, std::string(gid));
         query.bind(2, dayText(dates_, date));
         while (query.executeStep()) {
-            for (const std::string& item :
-                 core::split(core::stringFromBase(query, 0).value_or(""), "<tr>")) {
-                const int n = core::intValue(item);
-                if (n >= 1 && n <= kTeeth) {
-                    present[static_cast<std::size_t>(n)] = true;
-                } else if (n > kLost && n <= kLost + kTeeth) {
-                    present[static_cast<std::size_t>(n - kLost)] = false;
-                }
-            }
+            teeth.apply(core::stringFromBase(query, 0).value_or(""));
         }
     }));
-    std::vector<std::string> teeth;
-    for (int n = 1; n <= kTeeth; ++n) {
-        if (present[static_cast<std::size_t>(n)]) {
-            teeth.push_back(std::to_string(n));
-        }
-    }
-    return core::join(teeth, "<tr>");
+    return teeth.text();
 }
 
 }  // namespace tilika::diary

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "core/text.h"
+#include "diary/teeth_replay.h"
 #include "diary/value_codecs.h"
 
 namespace tilika::diary {
@@ -33,9 +34,6 @@ constexpr std::array<std::string_view, 20> kTeeth{
     "нижний первый коренной (74)",
     "нижний второй коренной (75)",
 };
-
-// A tooth that fell out is stored as its number plus this.
-constexpr int kToothLost = 100;
 
 std::string trimSpaces(std::string_view text) {
     const std::size_t first = text.find_first_not_of(' ');
