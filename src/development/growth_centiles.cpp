@@ -183,21 +183,36 @@ std::string lastMeasureText(double value, int decimals, std::string_view unit, d
            " — " + centileText(z);
 }
 
-std::string lmsFileName(GrowthMeasure measure, int sex) {
-    return std::string(measure == GrowthMeasure::weight ? "wfa" : "lhfa") +
-           (sex == 0 ? "_boys.txt" : "_girls.txt");
+std::array<std::string, 2> lmsFileNames(GrowthMeasure measure, int sex) {
+    const std::string sexPart = sex == 0 ? "_boys" : "_girls";
+    if (measure == GrowthMeasure::weight) {
+        return {"wfa" + sexPart + "_0_60.txt", "wfa" + sexPart + "_61_120.txt"};
+    }
+    return {"lhfa" + sexPart + "_0_60.txt", "hfa" + sexPart + "_61_228.txt"};
+}
+
+bool LmsTable::append(const LmsTable& older) {
+    if (older.rows_.empty() || (!rows_.empty() && older.rows_.front().month <= lastMonth())) {
+        return false;
+    }
+    rows_.insert(rows_.end(), older.rows_.begin(), older.rows_.end());
+    return true;
 }
 
 const LmsTable* GrowthCentiles::table(GrowthMeasure measure, int sex) {
-    const std::string name = lmsFileName(measure, sex);
-    auto found = tables_.find(name);
+    const auto [young, old] = lmsFileNames(measure, sex);
+    auto found = tables_.find(young);
     if (found == tables_.end()) {
         std::string error;
-        auto table = LmsTable::load(folder_ / name, error);
+        auto table = LmsTable::load(folder_ / young, error);
         if (!table) {
-            platform::log("Центили " + name + " не загружены: " + error);
+            platform::log("Центили " + young + " не загружены: " + error);
+        } else if (auto later = LmsTable::load(folder_ / old, error); !later) {
+            platform::log("Центили " + old + " не загружены: " + error);
+        } else if (!table->append(*later)) {
+            platform::log("Центили " + old + " не продолжают " + young);
         }
-        found = tables_.emplace(name, std::move(table)).first;
+        found = tables_.emplace(young, std::move(table)).first;
     }
     return found->second ? &*found->second : nullptr;
 }

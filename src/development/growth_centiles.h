@@ -43,6 +43,9 @@ public:
     // before the first row or after the last.
     std::optional<Lms> at(double month) const;
     double lastMonth() const { return rows_.empty() ? 0 : rows_.back().month; }
+    // Goes on with the table of the older ages; false, with nothing added,
+    // unless it starts after this one's last month.
+    bool append(const LmsTable& older);
     const std::vector<LmsRow>& rows() const { return rows_; }
 
 private:
@@ -69,12 +72,14 @@ std::string lastMeasureText(double value, int decimals, std::string_view unit, d
 
 enum class GrowthMeasure { height, weight };
 
-// The file of a measure's table for a sex (0 a boy, any other a girl).
-std::string lmsFileName(GrowthMeasure measure, int sex);
+// The files of a measure's table for a sex (0 a boy, any other a girl): the
+// growth standard to five years, then the reference for school ages that
+// goes on from where it stops.
+std::array<std::string, 2> lmsFileNames(GrowthMeasure measure, int sex);
 
 // The tables of a folder, each read once when first asked for. A table that
 // can't be read is logged once and stays absent; the charts then draw no
-// centiles for it.
+// centiles for it. Without its school-age part a table ends at five years.
 class GrowthCentiles {
 public:
     explicit GrowthCentiles(std::filesystem::path folder) : folder_(std::move(folder)) {}
