@@ -369,8 +369,10 @@ core::WriteResult Feeding::saveKormForDate(core::Date dat, std::string_view gid,
         for (const KormRecord& record : records) {
             // One row another device wrote badly must not cost the day's
             // other rows.
+            // A statement whose last step failed reports that failure again
+            // on reset; it is already logged.
+            insert.tryReset();
             try {
-                insert.reset();
                 insert.bind(1, record.kodates);
                 insert.bind(2, record.kotype);
                 insert.bind(3, record.kovalue);
