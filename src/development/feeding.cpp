@@ -92,35 +92,36 @@ std::string dayPattern(const core::Dates& dates, core::Date dat) {
 }
 
 // Walks the rows of one child in time order and closes feedings and days as
-// the moment and the day change.
+// the moment and the day change. The moments come as SQLite's datetime()
+// texts, "yyyy-MM-dd HH:mm:ss" in local time, so a change of second or of
+// day is a change of text; years of feedings would otherwise cost a calendar
+// parse and format each.
 class KormWalk {
 public:
     KormWalk(const core::Dates& dates, std::vector<KormRow>& rows, std::vector<KormGroup>& groups)
         : dates_(dates), rows_(rows), groups_(groups) {}
 
-    void add(const std::string& kodates, int kotype, std::string_view kovalue, long long kosum) {
-        if (kodates != lastText_) {
-            const std::optional<core::Date> moment = dates_.dateFromString(kodates);
-            if (!moment) {
-                return;  // a moment we can't place belongs to no day
-            }
-            lastText_ = kodates;
-            const core::Date second = std::chrono::floor<std::chrono::seconds>(*moment);
-            if (second != moment_) {
-                closeFeeding();
-                moment_ = second;
-                std::string day = dates_.dateToString(second, core::formats::screenDay);
-                if (day != day_) {
-                    closeDay();
-                    day_ = std::move(day);
+    void add(std::string_view moment, int kotype, std::string_view kovalue, long long kosum) {
+        if (moment.size() != kMomentLength) {
+            return;  // a moment we can't place belongs to no day
+        }
+        if (moment != lastMoment_) {
+            closeFeeding();
+            if (moment.substr(0, kDayLength) != lastMoment_.substr(0, kDayLength)) {
+                closeDay();
+                if (!enterDay(moment)) {
+                    lastMoment_.clear();
+                    return;
                 }
             }
+            lastMoment_ = moment;
+            moment_ = momentOf(moment);
         }
-        json food = readFood(kovalue);
-        if (!food.is_null()) {
-            foods_.push_back(std::move(food));
-        }
-        if (knownKind(kotype)) {
+        // The kind of a row was worked out from its value when it was stored:
+        // one that isn't ours, or wasn't JSON, has none.
+        if (knownKind(kotype) && json::accept(kovalue)) {
+            foods_ += foods_.empty() ? "[" : ",";
+            foods_ += kovalue;
             sums_[static_cast<std::size_t>(kotype - 1)] += kosum;
         }
     }
@@ -135,10 +136,35 @@ private:
         if (foods_.empty()) {
             return;
         }
-        rows_.push_back({KormRow::feeding, moment_, foods_.dump(), {}});
-        foods_ = json::array();
+        rows_.push_back({KormRow::feeding, moment_, foods_ + "]", {}});
+        foods_.clear();
         lastFeeding_ = moment_;
         ++feedings_;
+    }
+
+    // The day's midnight, and whether the day is 24 hours long: on such a
+    // day a time of day is simply that far from midnight, while a day with a
+    // change of clocks needs the calendar for each moment.
+    bool enterDay(std::string_view moment) {
+        const std::optional<core::Date> start = dates_.dateFromString(moment.substr(0, kDayLength));
+        if (!start) {
+            return false;
+        }
+        dayStart_ = *start;
+        plainDay_ = dates_.addDays(*start, 1) - *start == std::chrono::hours(24);
+        const std::string_view day = moment.substr(0, kDayLength);
+        day_ = std::string(day.substr(8, 2)) + "." + std::string(day.substr(5, 2)) + "." +
+               std::string(day.substr(0, 4));
+        return true;
+    }
+
+    core::Date momentOf(std::string_view moment) const {
+        if (!plainDay_) {
+            return dates_.dateFromString(moment).value_or(dayStart_);
+        }
+        const auto part = [&](std::size_t at) { return core::intValue(moment.substr(at, 2)); };
+        return dayStart_ + std::chrono::hours(part(11)) + std::chrono::minutes(part(14)) +
+               std::chrono::seconds(part(17));
     }
 
     // A day whose rows could none be read shows nothing, and the next day
@@ -154,14 +180,19 @@ private:
         first_ = static_cast<int>(rows_.size());
     }
 
+    static constexpr std::size_t kMomentLength = 19;
+    static constexpr std::size_t kDayLength = 10;
+
     const core::Dates& dates_;
     std::vector<KormRow>& rows_;
     std::vector<KormGroup>& groups_;
-    std::string lastText_;
+    std::string lastMoment_;
+    core::Date dayStart_{};
+    bool plainDay_ = false;
     core::Date moment_{};
     core::Date lastFeeding_{};
     std::string day_;
-    json foods_ = json::array();
+    std::string foods_;
     std::array<long long, kKormKinds> sums_{};
     std::array<long long, kKormKinds> before_{};
     int feedings_ = 0;
@@ -314,8 +345,8 @@ void Feeding::loadKorm(std::vector<KormRow>& rows, std::vector<KormGroup>& group
     }
     const bool read = core::runGuarded("loadKorm", [&] {
         SQLite::Statement query(*db,
-                                "select kodates, kotype, kovalue, kosum from childkorm where "
-                                "childguid=? order by datetime(kodates), kotype");
+                                "select datetime(kodates), kotype, kovalue, kosum from childkorm "
+                                "where childguid=? order by datetime(kodates), kotype");
         query.bind(1, std::string(childguid));
         KormWalk walk(context_.dates, rows, groups);
         while (query.executeStep()) {

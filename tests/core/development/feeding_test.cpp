@@ -137,6 +137,30 @@ TEST_F(FeedingTest, FeedingsAreMomentsToTheSecondGroupedByDay) {
     EXPECT_EQ(loaded.rows.size(), 6u);
 }
 
+TEST_F(FeedingTest, MomentsHoldOnDaysWithAChangeOfClocks) {
+    clock.setTimeZoneId("Europe/Berlin");
+    // 29 March 2026 is 23 hours long, 25 October 25 hours.
+    const std::vector<std::string> moments{"2026-03-28 23:59:59", "2026-03-29 01:30:00",
+                                           "2026-03-29 03:30:00", "2026-10-25 02:30:00",
+                                           "2026-10-25 23:00:00", "2026-10-26 00:00:01"};
+    for (const std::string& moment : moments) {
+        put(moment, breast(1, 0));
+    }
+    const Loaded loaded = load();
+    std::vector<core::Date> got;
+    for (const KormRow& row : loaded.rows) {
+        if (row.tp == KormRow::feeding) {
+            got.push_back(row.dat);
+        }
+    }
+    ASSERT_EQ(got.size(), moments.size());
+    for (std::size_t i = 0; i < moments.size(); ++i) {
+        EXPECT_EQ(got[i], at(moments[i])) << moments[i];
+    }
+    EXPECT_EQ(loaded.groups.size(), 4u);
+    EXPECT_EQ(loaded.groups[2].name2, "25.10.2026");
+}
+
 TEST_F(FeedingTest, TotalsCompareWithThePreviousDayThatHasFeedings) {
     put("2026-11-17 09:00:00", breast(10, 5));
     put("2026-11-17 09:00:00", food(kormkind::cereal, "100"));
