@@ -304,6 +304,26 @@ KormValue addEditKorm(int tp, std::string_view first, std::string_view second,
     return {diary::jsonFromObject(food), {}};
 }
 
+KormFormValues kormFormValues(std::string_view value) {
+    const json food = readFood(value);
+    if (food.is_null()) {
+        return {};
+    }
+    if (core::intValue(jsonText(food, "tp")) == kormkind::breast) {
+        return {frame::mtt(core::intValue(jsonText(food, "left"))),
+                frame::mtt(core::intValue(jsonText(food, "right")))};
+    }
+    return {jsonText(food, "volume"), jsonText(food, "tip")};
+}
+
+KormEntry prepareKorm(core::Date now) {
+    return {std::chrono::floor<std::chrono::seconds>(now), {}, std::nullopt};
+}
+
+KormEntry prepareKorm(const KormRow& row) {
+    return {row.dat, kormFoods(row), row.dat};
+}
+
 void insertKorm(SQLite::Database& db, const core::Dates& dates, core::Date dat,
                 std::string_view val, std::string_view childguid) {
     int kotype = kormkind::unreadable;
@@ -418,9 +438,11 @@ core::WriteResult Feeding::saveKormForDate(core::Date dat, std::string_view gid,
     });
 }
 
-KormClose Feeding::closeOK(core::Date dat, const std::vector<std::string>& foods,
-                           std::optional<core::Date> olddat, std::string_view childguid,
+KormClose Feeding::closeOK(const KormEntry& entry, std::string_view childguid,
                            diary::DayCloud& cloud) {
+    const core::Date dat = entry.dat;
+    const std::vector<std::string>& foods = entry.foods;
+    const std::optional<core::Date> olddat = entry.olddat;
     if (foods.empty()) {
         return KormClose::noFoods;
     }

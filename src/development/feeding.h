@@ -122,6 +122,24 @@ struct KormValue {
 KormValue addEditKorm(int tp, std::string_view first, std::string_view second,
                       const std::vector<frame::ListRow>& list);
 
+// The values a stored food puts back into its form's two rows: the breast
+// times as "HH:mm", or the amount and the product.
+struct KormFormValues {
+    std::string first;
+    std::string second;
+};
+KormFormValues kormFormValues(std::string_view value);
+
+// The feeding the editor works on.
+struct KormEntry {
+    core::Date dat{};  // "Дата и время"
+    std::vector<std::string> foods;
+    std::optional<core::Date> olddat;  // where it is stored, unless it is new
+};
+// A new feeding at this moment (to the second), or the feeding of a row.
+KormEntry prepareKorm(core::Date now);
+KormEntry prepareKorm(const KormRow& row);
+
 // One food row of a day as the cloud records carry it.
 struct KormRecord {
     std::string kodates;
@@ -164,11 +182,9 @@ public:
                                       const std::vector<KormRecord>& records);
 
     // Stores the feeding the editor holds: the one it was opened on
-    // (`olddat`) and any other at the new moment are replaced by `foods`,
+    // (`olddat`) and any other at the new moment are replaced by its foods,
     // all or nothing. The changed days go to `cloud`.
-    KormClose closeOK(core::Date dat, const std::vector<std::string>& foods,
-                      std::optional<core::Date> olddat, std::string_view childguid,
-                      diary::DayCloud& cloud);
+    KormClose closeOK(const KormEntry& entry, std::string_view childguid, diary::DayCloud& cloud);
 
 private:
     core::Context& context_;

@@ -147,16 +147,28 @@ core::WriteResult Reaction::saveReaction(const std::vector<std::string>& names,
         core::throwIfFailed(Passport(context_).saveAllergen(gid, core::join(indexes, "<tr>")));
         transaction.commit();
     });
-    if (!result) {
-        return result;
+    if (result) {
+        saved(gid, cloud);
     }
+    return result;
+}
+
+core::WriteResult Reaction::saveAllergens(std::string_view checked, std::string_view gid,
+                                          diary::DayCloud& cloud) {
+    const core::WriteResult result = Passport(context_).saveAllergen(gid, checked);
+    if (result) {
+        saved(gid, cloud);
+    }
+    return result;
+}
+
+void Reaction::saved(std::string_view gid, diary::DayCloud& cloud) {
     for (const int page : kAllergenPages) {
         context_.state.pageDirty[static_cast<std::size_t>(page)] = true;
     }
     if (context_.state.cloudMode == core::cloudmode::icloud) {
         cloud.dataToCloud(kProfileCloudRecord, context_.dates.now(), gid);
     }
-    return result;
 }
 
 }  // namespace tilika::development

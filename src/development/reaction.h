@@ -72,7 +72,16 @@ public:
     core::WriteResult saveReaction(const std::vector<std::string>& names, std::string_view checked,
                                    std::string_view gid, diary::DayCloud& cloud);
 
+    // The allergens as the list dialog ticked them (guids joined by "<tr>"),
+    // saved the same way.
+    core::WriteResult saveAllergens(std::string_view checked, std::string_view gid,
+                                    diary::DayCloud& cloud);
+
 private:
+    // The passport and the feeding page show the allergens, and the profile
+    // goes to the cloud.
+    void saved(std::string_view gid, diary::DayCloud& cloud);
+
     core::Context& context_;
 };
 

@@ -211,7 +211,8 @@ TEST_F(FeedingTest, FormValuesBecomeStoredFoods) {
     const auto value = [](const KormValue& made) {
         return diary::jsonToDictionary(made.value.value_or(""));
     };
-    const auto breastFood = value(addEditKorm(kormkind::breast, "00:07", "12", {}));
+    const std::string breastText = *addEditKorm(kormkind::breast, "00:07", "12", {}).value;
+    const auto breastFood = diary::jsonToDictionary(breastText);
     EXPECT_EQ(breastFood["left"], "7");
     EXPECT_EQ(breastFood["right"], "12");
     EXPECT_EQ(breastFood["tip"], "Грудное молоко");
@@ -231,6 +232,15 @@ TEST_F(FeedingTest, FormValuesBecomeStoredFoods) {
     EXPECT_EQ(negative.message, "Количество не может быть отрицательным");
     EXPECT_FALSE(addEditKorm(8, "1", "", {}).value);
 
+    // A stored food opens its form with the values it was made from.
+    for (const std::string& made :
+         {*addEditKorm(kormkind::breast, "01:05", "00:07", {}).value,
+          *addEditKorm(kormkind::other, "много", "00000000-juice", other).value}) {
+        const KormFormValues form = kormFormValues(made);
+        EXPECT_EQ(addEditKorm(kormTp(made), form.first, form.second, other).value, made);
+    }
+    EXPECT_EQ(kormFormValues(breastText).first, "00:07");
+
     std::vector<std::string> foods;
     addKormFood(foods, *addEditKorm(kormkind::cereal, "1", "a", {}).value);
     addKormFood(foods, *addEditKorm(kormkind::breast, "1", "2", {}).value);
@@ -246,24 +256,31 @@ TEST_F(FeedingTest, CloseStoresTheWholeFeedingOrNothing) {
     put("2026-11-20 12:00:00", food(kormkind::formula, "60"));
     put("2026-11-21 09:00:00", food(kormkind::formula, "90"));
 
-    EXPECT_EQ(feeding.closeOK(at("2026-11-20 09:00:00"), {}, std::nullopt, gid, cloud),
-              KormClose::noFoods);
+    KormEntry fresh = prepareKorm(at("2026-11-20 09:00:00") + std::chrono::milliseconds(700));
+    EXPECT_FALSE(fresh.olddat);
+    EXPECT_EQ(feeding.closeOK(fresh, gid, cloud), KormClose::noFoods);
     EXPECT_FALSE(state.pageDirty[kKormPage]);
+    EXPECT_EQ(queryText("select count(*) from childkorm"), "3");
 
     // Editing the morning feeding keeps the others.
-    EXPECT_EQ(feeding.closeOK(at("2026-11-20 08:30:00"), {breast(5, 5), food(2, "30")},
-                              at("2026-11-20 08:00:00"), gid, cloud),
-              KormClose::saved);
+    KormEntry morning = prepareKorm(load().rows.front());
+    ASSERT_EQ(morning.foods.size(), 1u);
+    EXPECT_EQ(morning.olddat, at("2026-11-20 08:00:00"));
+    morning.dat = at("2026-11-20 08:30:00");
+    addKormFood(morning.foods, food(kormkind::formula, "30"));
+    EXPECT_EQ(feeding.closeOK(morning, gid, cloud), KormClose::saved);
     EXPECT_EQ(stored("kodates"),
               "2026-11-20 12:00:00|2026-11-21 09:00:00|2026-11-20 08:30:00|2026-11-20 08:30:00");
+    EXPECT_EQ(stored("kosum"), "60|90|20|30");
     EXPECT_TRUE(state.pageDirty[kKormPage]);
     EXPECT_EQ(cloud.sent, (std::vector<SentDay>{{kKormCloudRecord, "2026-11-20"}}));
 
     // Moved onto the moment of another day's feeding, it replaces that one,
     // and both days go out.
-    EXPECT_EQ(feeding.closeOK(at("2026-11-21 09:00:00"), {breast(5, 5)}, at("2026-11-20 08:30:00"),
-                              gid, cloud),
-              KormClose::saved);
+    EXPECT_EQ(
+        feeding.closeOK({at("2026-11-21 09:00:00"), {breast(5, 5)}, at("2026-11-20 08:30:00")}, gid,
+                        cloud),
+        KormClose::saved);
     EXPECT_EQ(stored("kodates"), "2026-11-20 12:00:00|2026-11-21 09:00:00");
     EXPECT_EQ(stored("kotype"), "2|1");
     EXPECT_EQ(cloud.sent.size(), 3u);
@@ -273,9 +290,11 @@ TEST_F(FeedingTest, CloseStoresTheWholeFeedingOrNothing) {
     db().exec(
         "create trigger refuse before insert on childkorm when new.kovalue like '%\"999\"%' "
         "begin select raise(abort, 'refused'); end");
-    EXPECT_EQ(feeding.closeOK(at("2026-11-21 10:00:00"), {breast(1, 1), food(2, "999")},
-                              at("2026-11-21 09:00:00"), gid, cloud),
-              KormClose::failed);
+    EXPECT_EQ(
+        feeding.closeOK(
+            {at("2026-11-21 10:00:00"), {breast(1, 1), food(2, "999")}, at("2026-11-21 09:00:00")},
+            gid, cloud),
+        KormClose::failed);
     EXPECT_EQ(stored("kodates"), "2026-11-20 12:00:00|2026-11-21 09:00:00");
 }
 

@@ -125,6 +125,11 @@ TEST_F(ReactionTest, TickedSuspectsJoinTheAllergensWithoutDoublingAShortName) {
     EXPECT_EQ(allergenRows("Гречка"), "1");
     EXPECT_EQ(allergens().size(), 4u);
     EXPECT_EQ(cloud.kinds, (std::vector<int>{kProfileCloudRecord}));
+
+    // The allergens dialog clears them all the same way.
+    EXPECT_TRUE(Reaction(context).saveAllergens("", gid, cloud));
+    EXPECT_TRUE(allergens().empty());
+    EXPECT_EQ(cloud.kinds.size(), 2u);
 }
 
 TEST_F(ReactionTest, AFailedSaveLeavesTheAllergensAsTheyWere) {
