@@ -233,26 +233,8 @@ void note::activateView(const std::string& gid) {
 }
 
 void note::activate() {
-    // The help of this page is a reading page still to come; its hint shows
-    // once, a second after the page first comes up.
-    if (helpShown_ || !services_.context.settings.helpCheck("noteHelp")) {
-        return;
-    }
-    helpShown_ = true;
-    QTimer::singleShot(1000, this, [this] {
-        if (!isVisible()) {
-            return;
-        }
-        QWidget* bar = findChild<QWidget*>(QStringLiteral("captionBar"));
-        QToolButton* hint = services_.popups.helpInit(bar, [this, bar] {
-            services_.popups.helpShow(bar, false);
-            services_.context.settings.helpFinish("noteHelp");
-            services_.comingSoon("Дневник");
-        });
-        if (hint != nullptr) {
-            services_.popups.helpShow(bar, true);
-        }
-    });
+    // The help of this page is a reading page still to come.
+    services_.popups.offerHelp(this, "noteHelp", [this] { services_.comingSoon("Дневник"); });
 }
 
 void note::prepare(const std::string& gid, bool anew) {

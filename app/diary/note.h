@@ -113,7 +113,6 @@ private:
     std::optional<core::Date> lastDic_;
     std::optional<core::Date> lastTwoDate_;
     QString searchText_;
-    bool helpShown_ = false;
 
     QLabel* caption_;
     QToolButton* back_;

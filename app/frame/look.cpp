@@ -198,11 +198,12 @@ QWidget* captionBar(QWidget* back, QWidget* previous, QWidget* caption, QWidget*
     bar->setObjectName(QStringLiteral("captionBar"));
     auto* header = new QHBoxLayout(bar);
     header->setContentsMargins(0, 0, 0, 0);
-    header->addWidget(back);
-    header->addWidget(previous);
-    header->addWidget(caption, 1);
-    header->addWidget(next);
-    header->addWidget(action);
+    // A page without steps back and forth leaves them out.
+    for (QWidget* widget : {back, previous, caption, next, action}) {
+        if (widget != nullptr) {
+            header->addWidget(widget, widget == caption ? 1 : 0);
+        }
+    }
     return bar;
 }
 

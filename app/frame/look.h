@@ -74,7 +74,8 @@ QToolButton* headerButton(const QString& tip, QWidget* parent);
 // A header's button that says what it does in a word or a sign ("◀", "+").
 QToolButton* textButton(const QString& text, const char* name, QWidget* parent);
 // The bar at the top of a page: back to the menu, a step back, the caption,
-// a step forward and the page's own action.
+// a step forward and the page's own action; any but the caption may be
+// missing.
 QWidget* captionBar(QWidget* back, QWidget* previous, QWidget* caption, QWidget* next,
                     QWidget* action, QWidget* parent);
 void setHeaderButtonPicture(QToolButton* button, const platform::QtPictures& pictures,

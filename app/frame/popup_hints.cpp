@@ -9,6 +9,7 @@
 #include <QMessageBox>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QPointer>
 #include <QProgressBar>
 #include <QPropertyAnimation>
 #include <QPushButton>
@@ -28,6 +29,7 @@
 #include "frame/popup_panels.h"
 #include "frame/textdata.h"
 #include "frame/translation.h"
+#include "platform/settings_store.h"
 #include "platform/qt_pictures.h"
 
 namespace tilika::frame {
@@ -157,6 +159,34 @@ QToolButton* Popups::helpInit(QWidget* header, std::function<void()> action) {
         }
     });
     return button;
+}
+
+void Popups::offerHelp(QWidget* page, const std::string& key, std::function<void()> open) {
+    static const char* const kOffered = "helpOffered";
+    if (page->property(kOffered).toBool() || !settings_.helpCheck(key)) {
+        return;
+    }
+    page->setProperty(kOffered, true);
+    QPointer<QWidget> guarded(page);
+    QTimer::singleShot(1000, this, [this, guarded, key, open = std::move(open)] {
+        if (guarded == nullptr || !guarded->isVisible()) {
+            return;
+        }
+        QWidget* bar = guarded->findChild<QWidget*>(QStringLiteral("captionBar"));
+        if (bar == nullptr) {
+            return;
+        }
+        QToolButton* hint = helpInit(bar, [this, bar, key, open] {
+            helpShow(bar, false);
+            settings_.helpFinish(key);
+            if (open) {
+                open();
+            }
+        });
+        if (hint != nullptr) {
+            helpShow(bar, true);
+        }
+    });
 }
 
 void Popups::helpShow(QWidget* header, bool show) {

@@ -119,6 +119,10 @@ public:
     // The hint button at the right of a header, and its fading in and out.
     QToolButton* helpInit(QWidget* header, std::function<void()> action);
     void helpShow(QWidget* header, bool show);
+    // Offers a page's help once: a second after the page has first come up,
+    // while the key is open, the hint turns in at the right of the page's
+    // caption bar; pressing it closes the key for good and opens the help.
+    void offerHelp(QWidget* page, const std::string& key, std::function<void()> open);
     // A hand that shows a gesture on the view.
     void animateHelp(QWidget* view, const QString& mode);
 

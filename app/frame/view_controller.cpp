@@ -18,6 +18,7 @@
 #include <QVariantAnimation>
 
 #include "core/context.h"
+#include "development/passport_page.h"
 #include "diary/day_cloud.h"
 #include "diary/note.h"
 #include "diary/note_edit.h"
@@ -46,6 +47,7 @@ namespace tilika::frame {
 namespace {
 
 constexpr int kSlideMs = 400;
+constexpr int kPassportPage = 1;
 constexpr int kDayPage = 2;
 constexpr int kDiaryPage = 9;
 // A drag becomes a swipe once it has gone this far, mostly sideways.
@@ -186,6 +188,18 @@ Tab* ViewController::tab(int pageId) {
                     here);
             });
             slot = diary;
+        } else if (pageId == kPassportPage) {
+            auto* sheet = new development::passport(
+                development::PassportServices{
+                    context_, services_.pictures, *popups_, lists_.get(),
+                    [this](const std::string& caption) { comingSoon(caption); }},
+                this);
+            sheet->setProfileOpener([this](const std::string& gid) { setupShow(gid); });
+            sheet->setDayOpener(
+                [this](core::Date date, const std::string& gid, std::function<void()> onClose) {
+                    openDayEditor(date, gid, std::move(onClose));
+                });
+            slot = sheet;
         } else if (pageId == kDayPage) {
             auto* day = new medication::inday(
                 medication::InDayServices{context_, services_.pictures, *popups_,

@@ -28,6 +28,7 @@ struct Context;
 struct MenuRow;
 }  // namespace tilika::core
 namespace tilika::diary {
+class DayCloud;
 class NoCloud;
 class ReferenceLists;
 class SystemPhotoSource;
@@ -194,6 +195,8 @@ private:
     TiltSensor* tilt_;
     TiltNavigator tiltNavigator_;
 
+    // Where changes go to be mirrored in the cloud folder.
+    diary::DayCloud& dayCloud();
     std::unique_ptr<diary::NoCloud> cloud_;
     std::unique_ptr<diary::SystemPhotoSource> photos_;
     QPointer<diary::noteEdit> dayEditor_;

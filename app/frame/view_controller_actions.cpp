@@ -156,11 +156,17 @@ bool ViewController::editDic(const FormAnswer& answer, const std::string& guid) 
         // A child just added is the one the parent means to go on with.
         state_.activeGid = guid;
     }
+    if (!answer.rows.empty()) {
+        dayCloud().dataToCloud(diary::DayCloud::kProfileRecord, context_.dates.now(), guid);
+    }
     state_.markAllPagesDirty();
     state_.menuDirty = true;
     // The parent has just pressed OK: the menu shows the change at once
-    // rather than at the next tick.
+    // rather than at the next tick, and so does a page of the child on top.
     menu_->updateMenu();
+    if (gCurTab_ != 0 && state_.activeGid) {
+        updateTab(gCurTab_, *state_.activeGid, false);
+    }
     if (isNew) {
         menu_->showChild(guid);
     }
@@ -186,6 +192,13 @@ void ViewController::changeBackground(long long id) {
     saved(result, background_ != nullptr ? static_cast<QWidget*>(background_) : this);
 }
 
+diary::DayCloud& ViewController::dayCloud() {
+    if (cloud_ == nullptr) {
+        cloud_ = std::make_unique<diary::NoCloud>();
+    }
+    return *cloud_;
+}
+
 diary::noteEdit* ViewController::dayEditor() const {
     return dayEditor_;
 }
@@ -196,13 +209,12 @@ void ViewController::openDayEditor(core::Date day, const std::string& gid,
         return;
     }
     if (dayEditor_ == nullptr) {
-        cloud_ = std::make_unique<diary::NoCloud>();
         photos_ = std::make_unique<diary::SystemPhotoSource>();
         dayEditor_ = new diary::noteEdit(
             diary::EditorServices{
                 context_,
                 FormServices{state_, context_.dates, *popups_, services_.pictures, lists_.get()},
-                services_.images, *cloud_, *photos_,
+                services_.images, dayCloud(), *photos_,
                 [this](const std::string& caption) { comingSoon(caption); },
                 [this] { services_.application.rebuildNotifications(); }},
             this);

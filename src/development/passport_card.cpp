@@ -287,12 +287,26 @@ double PassportCard::mainCard(platform::Canvas& canvas, double top, bool justsiz
 
 double PassportCard::sizesCard(platform::Canvas& canvas, double top, bool justsize,
                                const Rect& rc) {
+    // The region values stand left of the usual column, as far as the
+    // widest region name leaves room for in the card's font: a name broken
+    // inside a word reads worse than a column a little to the right.
+    double widestRegion = 0;
+    for (const SizeLine& size : data_.sizes) {
+        if (size.style == sizestyle::labelled && !size.picture.empty()) {
+            widestRegion =
+                std::max(widestRegion, canvas.measureText(size.text, kTextFont, 0).width);
+        }
+    }
+    const double fitted = kIcon + kIconGap + widestRegion + kIconGap - kValueColumn;
     for (const SizeLine& size : data_.sizes) {
         switch (size.style) {
             case sizestyle::labelled:
                 top = addLine(canvas, top, linestyle::labelled,
                               size.picture.empty() ? std::string() : size.picture + ".png",
-                              size.text, size.value, {}, justsize, rc, size.correctLeft, false);
+                              size.text, size.value, {}, justsize, rc,
+                              size.picture.empty() ? size.correctLeft
+                                                   : std::max<double>(size.correctLeft, fitted),
+                              false);
                 break;
             case sizestyle::body:
             case sizestyle::hint:

@@ -6,11 +6,12 @@
 
 namespace tilika::diary {
 
-// Where a changed day is sent to be mirrored in the cloud folder. The diary
-// only says which day changed; the records themselves are the cloud's.
+// Where a changed day or profile is sent to be mirrored in the cloud folder.
+// The diary only says what changed; the records themselves are the cloud's.
 class DayCloud {
 public:
     // The kind of record of a whole day.
+    static constexpr int kProfileRecord = 1;
     static constexpr int kDayRecord = 2;
 
     virtual ~DayCloud() = default;

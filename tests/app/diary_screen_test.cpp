@@ -286,13 +286,7 @@ private slots:
     }
 
 private:
-    core::Context& context() { return session_->application().context(); }
     platform::SettingsStore& settings() { return context().settings; }
-
-    void put(const std::string& gid, const char* date, const char* type, const std::string& v) {
-        diary::DayRows(*context().database.connectToBase(), context().dates)
-            .insertValue(type, v, *context().dates.dateFromString(date), gid, true, false);
-    }
 
     std::string value(const std::string& gid, const char* date) {
         return diary::DayRows(*context().database.connectToBase(), context().dates)

@@ -143,14 +143,6 @@ private slots:
     }
 
 private:
-    core::Context& context() { return session_->application().context(); }
-    SQLite::Database& db() { return *context().database.connectToBase(); }
-
-    void put(const std::string& gid, const char* date, const char* type, const std::string& v) {
-        diary::DayRows(db(), context().dates)
-            .insertValue(type, v, *context().dates.dateFromString(date), gid, true, false);
-    }
-
     // A course of a week from today, of one piece a dose.
     std::string course(const char* medicine, const char* meal, const char* inter,
                        const char* times) {

@@ -150,23 +150,21 @@ private slots:
         root_->openTab(2, gid);
         QTRY_COMPARE(root_->gCurTab(), 2);
         settle();
-        auto* scroll = root_->tab(2)->findChild<QScrollArea*>();
-        QVERIFY(scroll != nullptr);
-        QVERIFY2(sameAsDrawn(scroll), "the day as first shown");
-        QScrollBar* bar = scroll->verticalScrollBar();
-        QVERIFY2(bar->maximum() > 300, qPrintable(QString::number(bar->maximum())));
-        for (int step = 0; step < 4; ++step) {
-            const int before = bar->value();
-            wheel(scroll, QPoint(0, -120));
-            QVERIFY(bar->value() > before);
-            QVERIFY2(sameAsDrawn(scroll), qPrintable(QStringLiteral("wheel step %1").arg(step)));
-        }
-        for (int step = 0; step < 4; ++step) {
-            bar->setValue(bar->value() + (step % 2 == 0 ? 71 : -37));
-            QVERIFY2(sameAsDrawn(scroll),
-                     qPrintable(QStringLiteral("scroll bar step %1").arg(step)));
-        }
+        scrollsAsDrawn(root_->tab(2)->findChild<QScrollArea*>(), 300);
         shownOnScreen().save(screenshot("x11_inday_scrolled.png"));
+    }
+
+    void thePassportScrollsAsItDraws() {
+        launchPastWelcome();
+        const std::string gid = addChild("Аня", "2026-02-15");
+        put(gid, "2026-11-20", "rost", "74");
+        put(gid, "2026-10-01", "ves", "8.9");
+        state().pageDirty[1] = true;
+        root_->openTab(1, gid);
+        QTRY_COMPARE(root_->gCurTab(), 1);
+        settle();
+        scrollsAsDrawn(root_->tab(1)->findChild<QScrollArea*>(), 200);
+        shownOnScreen().save(screenshot("x11_passport_scrolled.png"));
     }
 
     void theBirthdayGreetingShowsItsCake() {
@@ -213,6 +211,26 @@ private:
         QWheelEvent event(at, viewport->mapToGlobal(at), QPoint(), angle, Qt::NoButton,
                           Qt::NoModifier, Qt::NoScrollPhase, false);
         QApplication::sendEvent(viewport, &event);
+    }
+
+    // Wheels the area down and drags its bar back and forth; after each
+    // step the server shows what the widgets draw.
+    void scrollsAsDrawn(QScrollArea* scroll, int atLeast) {
+        QVERIFY(scroll != nullptr);
+        QVERIFY2(sameAsDrawn(scroll), "as first shown");
+        QScrollBar* bar = scroll->verticalScrollBar();
+        QVERIFY2(bar->maximum() > atLeast, qPrintable(QString::number(bar->maximum())));
+        for (int step = 0; step < 4; ++step) {
+            const int before = bar->value();
+            wheel(scroll, QPoint(0, -120));
+            QVERIFY(bar->value() > before);
+            QVERIFY2(sameAsDrawn(scroll), qPrintable(QStringLiteral("wheel step %1").arg(step)));
+        }
+        for (int step = 0; step < 4; ++step) {
+            bar->setValue(bar->value() + (step % 2 == 0 ? 71 : -37));
+            QVERIFY2(sameAsDrawn(scroll),
+                     qPrintable(QStringLiteral("scroll bar step %1").arg(step)));
+        }
     }
 
     QImage shownOnScreen() const { return root_->screen()->grabWindow(root_->winId()).toImage(); }

@@ -11,7 +11,11 @@
 #include <memory>
 #include <string>
 
+#include "core/context.h"
+#include "core/database.h"
+#include "core/dates.h"
 #include "core/ids.h"
+#include "diary/day_rows.h"
 #include "diary/profiles.h"
 #include "frame/session.h"
 #include "frame/view_controller.h"
@@ -55,9 +59,12 @@ protected:
         QTRY_VERIFY(root_->findChild<QFrame*>(QStringLiteral("firstStart")) == nullptr);
     }
 
+    core::Context& context() { return session_->application().context(); }
+    SQLite::Database& db() { return *context().database.connectToBase(); }
+
     // A child saved as a record from another device would be; its guid.
     std::string addChild(const QString& name, const std::string& birth = "2025-03-14") {
-        diary::Profiles profiles(session_->application().context());
+        diary::Profiles profiles(context());
         const std::string gid = core::newID();
         diary::SetupRecord record = profiles.loadSetupData(gid);
         record.name = name.toStdString();
@@ -65,6 +72,12 @@ protected:
         QTest::qVerify(profiles.saveSetupData(diary::saveflag::cloud, record, gid).ok(), "saved",
                        "", __FILE__, __LINE__);
         return gid;
+    }
+
+    // A diary value of a day ("yyyy-MM-dd") put in as the day editor would.
+    void put(const std::string& gid, const char* date, const char* type, const std::string& v) {
+        diary::DayRows(db(), context().dates)
+            .insertValue(type, v, *context().dates.dateFromString(date), gid, true, false);
     }
 
     // Pictures of what the tests draw are left in build/screenshots.
