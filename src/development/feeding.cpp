@@ -372,8 +372,13 @@ void Feeding::loadKorm(std::vector<KormRow>& rows, std::vector<KormGroup>& group
         query.bind(1, std::string(childguid));
         KormWalk walk(context_.dates, rows, groups);
         while (query.executeStep()) {
-            walk.add(core::stringFromBase(query, 0).value_or(""), query.getColumn(1).getInt(),
-                     core::stringFromBase(query, 2).value_or(""), query.getColumn(3).getInt64());
+            // Read in place: the walk keeps only what it needs of each row.
+            const auto text = [&](int column) {
+                const SQLite::Column value = query.getColumn(column);
+                return std::string_view(value.getText(),
+                                        static_cast<std::size_t>(value.getBytes()));
+            };
+            walk.add(text(0), query.getColumn(1).getInt(), text(2), query.getColumn(3).getInt64());
         }
         walk.finish();
     });

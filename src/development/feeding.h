@@ -92,7 +92,8 @@ struct KormGroup {
     bool operator==(const KormGroup&) const = default;
 };
 
-// The row of a section's row: the first row of the section plus the row.
+// The index among all rows of a row of a section (a day): the day's first
+// row plus the row; -1 for a section that isn't there.
 int posFromIndexPath(const std::vector<KormGroup>& groups, int section, int row);
 
 // A feeding's row on the screen: its time and one line per food.
