@@ -18,6 +18,7 @@
 #include <QVariantAnimation>
 
 #include "core/context.h"
+#include "development/korm.h"
 #include "development/passport_page.h"
 #include "diary/day_cloud.h"
 #include "diary/note.h"
@@ -49,6 +50,7 @@ namespace {
 constexpr int kSlideMs = 400;
 constexpr int kPassportPage = 1;
 constexpr int kDayPage = 2;
+constexpr int kFeedingPage = 7;
 constexpr int kDiaryPage = 9;
 // A drag becomes a swipe once it has gone this far, mostly sideways.
 constexpr int kSwipeStart = 12;
@@ -200,6 +202,11 @@ Tab* ViewController::tab(int pageId) {
                     openDayEditor(date, gid, std::move(onClose));
                 });
             slot = sheet;
+        } else if (pageId == kFeedingPage) {
+            slot =
+                new development::korm(development::KormServices{context_, services_.pictures,
+                                                                *popups_, lists_.get(), dayCloud()},
+                                      this);
         } else if (pageId == kDayPage) {
             auto* day = new medication::inday(
                 medication::InDayServices{context_, services_.pictures, *popups_,
