@@ -1,5 +1,6 @@
 #include "sample_diary.h"
 
+#include <array>
 #include <fstream>
 #include <random>
 
@@ -10,6 +11,7 @@
 #include "core/ids.h"
 #include "core/settings_file.h"
 #include "core/text.h"
+#include "development/feeding.h"
 #include "diary/day_rows.h"
 #include "diary/profiles.h"
 #include "diary/reference_lists.h"
@@ -179,6 +181,81 @@ private:
     std::mt19937 random_{20261122};
 };
 
+// The feeding diary of a child's first years: breast and formula at first,
+// then all kinds of food once complementary feeding starts in the sixth
+// month. A generator of its own keeps the rest of the sample as it was.
+class FeedingWriter {
+public:
+    FeedingWriter(SQLite::Database& db, const core::Dates& dates, diary::ReferenceLists& lists)
+        : db_(db), dates_(dates) {
+        const auto add = [&](int cotype, std::vector<std::string> names) {
+            auto& products = products_[static_cast<std::size_t>(cotype)];
+            for (std::string& name : names) {
+                products.push_back(*lists.addConst(cotype, std::move(name), 0).guid);
+            }
+        };
+        add(diary::cotype::formula, {"Смесь №1 (мил.)", "Смесь №2 (мил.)", "Сцеженное молоко"});
+        add(diary::cotype::cereals, {"Гречневая (мил.)", "Рисовая (мил.)", "Овсяная (мил.)"});
+        add(diary::cotype::purees,
+            {"Пюре из кабачка (мил.)", "Пюре из яблок (мил.)", "Суп овощной (мил.)"});
+        add(diary::cotype::otherFood,
+            {"Сок яблочный (мил.)<tr>10", "Печенье (шт.)<tr>13", "Мясо (г.)<tr>11"});
+        lists.loadConstList(otherFood_, diary::cotype::otherFood, {});
+    }
+
+    long long write(const SampleChild& child, int years) {
+        const core::Date birth = *dates_.dateFromString(child.birth);
+        const int days = dates_.getDays(birth, dates_.addYears(birth, years));
+        long long rows = 0;
+        for (int offset = 0; offset < days; ++offset) {
+            const std::string day =
+                dates_.dateToString(dates_.addDays(birth, offset), core::formats::day);
+            const bool solids = offset > 150;
+            for (int feeding = 0, n = pick(6, 8); feeding < n; ++feeding) {
+                const int minutes = 6 * 60 + feeding * 140 + pick(0, 40);
+                const core::Date moment =
+                    *dates_.dateFromString(day + " " + twoDigits(minutes / 60) + ":" +
+                                           twoDigits(minutes % 60) + ":" + twoDigits(pick(0, 59)));
+                int kind = solids ? pick(1, kKinds) : pick(1, 2);
+                for (int food = 0, foods = pick(1, 3); food < foods; ++food) {
+                    development::insertKorm(db_, dates_, moment, value(kind), child.gid);
+                    ++rows;
+                    kind = kind % (solids ? kKinds : 2) + 1;
+                }
+            }
+        }
+        return rows;
+    }
+
+private:
+    static constexpr int kKinds = development::kKormKinds;
+
+    int pick(int from, int to) { return std::uniform_int_distribution<>(from, to)(random_); }
+    static std::string twoDigits(int n) { return (n < 10 ? "0" : "") + std::to_string(n); }
+
+    std::string value(int kind) {
+        if (kind == development::kormkind::breast) {
+            return *development::addEditKorm(kind, std::to_string(pick(3, 15)),
+                                             std::to_string(pick(0, 15)), {})
+                        .value;
+        }
+        const int cotype = kind == development::kormkind::formula  ? diary::cotype::formula
+                           : kind == development::kormkind::cereal ? diary::cotype::cereals
+                           : kind == development::kormkind::puree  ? diary::cotype::purees
+                                                                   : diary::cotype::otherFood;
+        const auto& products = products_[static_cast<std::size_t>(cotype)];
+        return *development::addEditKorm(kind, std::to_string(pick(2, 24) * 10),
+                                         products[static_cast<std::size_t>(pick(0, 2))], otherFood_)
+                    .value;
+    }
+
+    SQLite::Database& db_;
+    const core::Dates& dates_;
+    std::array<std::vector<std::string>, diary::cotype::otherFood + 1> products_;
+    std::vector<diary::ListRow> otherFood_;
+    std::mt19937 random_{20151122};
+};
+
 }  // namespace
 
 core::Date sampleNow() {
@@ -226,6 +303,8 @@ SampleDiary writeSampleDiary(const std::filesystem::path& dataDir,
     for (const SampleChild& child : diary.children) {
         writer.writeChild(child);
     }
+    diary::ReferenceLists lists(context);
+    diary.feedings = FeedingWriter(*db, dates, lists).write(diary.children.front(), 3);
     transaction.commit();
     db->exec("ANALYZE");
     return diary;

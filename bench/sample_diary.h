@@ -19,6 +19,7 @@ struct SampleDiary {
     long long rows = 0;
     int courses = 0;
     int photos = 0;
+    long long feedings = 0;  // food rows of the feeding diary
 };
 
 // The moment the sample diary is written "now": its children have fourteen
@@ -29,7 +30,8 @@ core::Date sampleNow();
 // two children of fourteen years each, nearly every kind of entry on most
 // days in the formats the program stores, a photo and its thumbnail every
 // third day, and ten medicine courses a month spread over their days. The
-// same seed always gives the same diary.
+// first child has a feeding diary of its first three years: 6 to 8 feedings
+// a day of 1 to 3 foods. The same seed always gives the same diary.
 SampleDiary writeSampleDiary(const std::filesystem::path& dataDir,
                              const std::filesystem::path& resourceDir);
 

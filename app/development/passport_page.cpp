@@ -14,26 +14,24 @@
 #include "core/app_state.h"
 #include "core/context.h"
 #include "core/dates.h"
+#include "development/allergen_list.h"
 #include "development/passport.h"
 #include "diary/profiles.h"
 #include "diary/reference_lists.h"
 #include "frame/dic.h"
 #include "frame/elided_label.h"
-#include "frame/form_values.h"
 #include "frame/look.h"
 #include "frame/pictures.h"
 #include "frame/popup_panels.h"
 #include "frame/scroll_view.h"
 #include "platform/qt_canvas.h"
 #include "platform/qt_pictures.h"
-#include "session/form_dialogs.h"
 
 namespace tilika::development {
 
 namespace {
 
 constexpr int kPageId = 1;
-constexpr int kNoAnswerTag = 2;
 constexpr int kDocumentsTag = 61;
 constexpr int kVaccinationsTag = 62;
 // The bottom margin a card keeps under its last line.
@@ -301,34 +299,15 @@ void passport::openAllergens() {
                                                services_.pictures, services_.lists},
                            window());
     }
-    session::DetailRequest request;
-    request.kind = 1;
-    request.parentFlag = kEditAllergens;
-    request.cap = "Аллергены";
-    request.msg = "Отметьте аллергены, на которые у ребенка выявлена аллергическая реакция";
-    request.dat = diary::Profiles(context).loadSetupData(gid_).allerg;
-    request.cotype = diary::cotype::allergens;
-    request.edit = true;
-    allergenForm_->detailClearList();
-    allergenForm_->detailPrepare(request, window(), this, [this](const frame::FormAnswer& answer) {
-        return saveAllergens(answer);
-    });
-}
-
-bool passport::saveAllergens(const frame::FormAnswer& answer) {
-    const std::string value = frame::fieldValue(answer.rows, "list").value_or("");
-    const core::WriteResult result = Passport(services_.context).saveAllergen(gid_, value);
-    if (!result) {
-        // The form stays with the ticks as the parent left them.
-        const core::AppState& state = services_.context.state;
-        services_.popups.message(
-            frame::translatedText(state, result.message()), frame::translatedText(state, "Ошибка"),
-            kNoAnswerTag,
-            allergenForm_ != nullptr ? static_cast<QWidget*>(allergenForm_) : window());
-        return false;
-    }
-    prepare();
-    return true;
+    openAllergenList(*allergenForm_, context, services_.popups, gid_, window(), this,
+                     [this](const std::string& checked) {
+                         core::WriteResult result =
+                             Passport(services_.context).saveAllergen(gid_, checked);
+                         if (result) {
+                             prepare();
+                         }
+                         return result;
+                     });
 }
 
 }  // namespace tilika::development

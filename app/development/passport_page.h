@@ -25,7 +25,6 @@ namespace tilika::frame {
 class Popups;
 class ScrollView;
 class dic;
-struct FormAnswer;
 }  // namespace tilika::frame
 namespace tilika::platform {
 class QtPictures;
@@ -119,7 +118,6 @@ public:
 private:
     QWidget* cardFrame(int tp, const char* caption, int editTag);
     void openAllergens();
-    bool saveAllergens(const frame::FormAnswer& answer);
     void applyLook();
 
     PassportServices services_;

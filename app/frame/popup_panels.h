@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDateTime>
+#include <QFrame>
 #include <QObject>
 #include <QPointer>
 #include <QString>
@@ -14,7 +15,6 @@
 #include "frame/popups.h"
 #include "frame/text_page.h"
 
-class QFrame;
 class QLabel;
 class QListWidget;
 class QProgressBar;
@@ -128,6 +128,9 @@ public:
 
     // The welcome page; a numbered button calls the action with its number.
     void firstStart(QWidget* parent, IndexAction action, bool newversion);
+
+    // Where reading pages find their content and pictures.
+    const TextPageEnvironment& environment() const { return environment_; }
 
     // What is open, for tests and for screens that ask.
     int ppFlag() const { return ppFlag_; }

@@ -19,6 +19,7 @@
 
 #include "core/context.h"
 #include "development/growth_page.h"
+#include "development/korm.h"
 #include "development/passport_page.h"
 #include "development/ruler_view.h"
 #include "development/tooth_page.h"
@@ -55,6 +56,7 @@ constexpr int kPassportPage = 1;
 constexpr int kDayPage = 2;
 constexpr int kGrowthPage = 3;
 constexpr int kToothPage = 6;
+constexpr int kFeedingPage = 7;
 constexpr int kDiaryPage = 9;
 // A drag becomes a swipe once it has gone this far, mostly sideways.
 constexpr int kSwipeStart = 12;
@@ -208,6 +210,11 @@ Tab* ViewController::tab(int pageId) {
                     openDayEditor(date, gid, std::move(onClose));
                 });
             slot = sheet;
+        } else if (pageId == kFeedingPage) {
+            slot =
+                new development::korm(development::KormServices{context_, services_.pictures,
+                                                                *popups_, lists_.get(), dayCloud()},
+                                      this);
         } else if (pageId == kDayPage) {
             auto* day = new medication::inday(
                 medication::InDayServices{context_, services_.pictures, *popups_,

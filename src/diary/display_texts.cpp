@@ -44,13 +44,11 @@ std::string trimSpaces(std::string_view text) {
     return std::string(text.substr(first, last - first + 1));
 }
 
-// A product's short name: its caption before the unit in brackets, without
-// the caption's tail.
-std::string productName(std::string_view cap) {
+}  // namespace
+
+std::string justName(std::string_view cap) {
     return captionText(trimSpaces(cap.substr(0, cap.find('('))));
 }
-
-}  // namespace
 
 std::string toothStringToRead(std::string_view value) {
     std::string text;
@@ -156,7 +154,7 @@ std::string kormToString(std::string_view value, const std::vector<ListRow>& lis
     if (product == nullptr) {
         return amount;
     }
-    return productName(product->cap) + ": " + amount;
+    return justName(product->cap) + ": " + amount;
 }
 
 }  // namespace tilika::diary

@@ -22,6 +22,10 @@ std::string analizyStringToRead(std::string_view value, const std::vector<ListRo
 // The body measures that were taken, one a line.
 std::string biosizeStringToRead(std::string_view value);
 
+// A product's short name: its caption before the unit in brackets, trimmed,
+// without the caption's tail ("Сок (мил.)<tr>12" is "Сок").
+std::string justName(std::string_view cap);
+
 // One food of a feeding: "Левая грудь: 10 мин.", "Нутрилон 1: 120 мил.".
 std::string kormToString(std::string_view value, const std::vector<ListRow>& list);
 
