@@ -221,7 +221,6 @@ void passwordView::showState() {
         QImage image = services_.pictures.image(on ? filled : empty, QSize(side, side) * ratio);
         image.setDevicePixelRatio(ratio);
         marks_[i]->setPixmap(QPixmap::fromImage(image));
-        marks_[i]->setProperty("filled", on);
     }
 }
 
