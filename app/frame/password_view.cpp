@@ -95,6 +95,7 @@ passwordView::passwordView(Services services, QWidget* parent)
         connect(key, &QAbstractButton::clicked, this, [this, tagNumber] { pressPass(tagNumber); });
         keys_[i] = key;
     }
+    keys_.back()->setToolTip(translatedText(services_.state, "Войти по отпечатку пальца"));
     keys_.back()->hide();
     if (services_.fingerprint != nullptr) {
         connect(services_.fingerprint, &platform::FingerprintReader::evaluated, this,
