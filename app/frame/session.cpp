@@ -95,6 +95,11 @@ Session::Session(const platform::Clock& clock, std::filesystem::path dataDir,
             root->openDayEditor(day, *gid);
         }
     });
+    shell_.setLockCoverer([this] {
+        if (auto* root = qobject_cast<ViewController*>(shell_.rootWindow())) {
+            root->lockView();
+        }
+    });
 }
 
 Session::~Session() {
@@ -171,6 +176,10 @@ void Session::onApplicationStateChanged(Qt::ApplicationState state) {
             if (active_) {
                 active_ = false;
                 application_.willResignActive();
+                // A desktop window left for another stays in sight of
+                // whoever passes by: it is covered as a phone's program is
+                // when it goes to the background.
+                application_.didEnterBackground();
             }
             break;
         case Qt::ApplicationHidden:

@@ -29,12 +29,14 @@
 #include "diary/note_edit.h"
 #include "diary/photo_source.h"
 #include "diary/reference_lists.h"
+#include "frame/app_lock.h"
 #include "frame/background_screen.h"
 #include "frame/coming_page.h"
 #include "frame/dialog_width.h"
 #include "frame/dic.h"
 #include "frame/look.h"
 #include "frame/main_menu.h"
+#include "frame/password_view.h"
 #include "frame/popup_panels.h"
 #include "frame/restore_screen.h"
 #include "frame/tab.h"
@@ -42,6 +44,7 @@
 #include "frame/tilt_sensor.h"
 #include "frame/translation.h"
 #include "medication/inday.h"
+#include "platform/fingerprint_reader.h"
 #include "platform/qt_pictures.h"
 #include "platform/shell.h"
 #include "session/application.h"
@@ -126,7 +129,8 @@ ViewController::ViewController(RootServices services, QWidget* parent)
       services_(std::move(services)),
       state_(services_.application.state()),
       context_(services_.application.context()),
-      tilt_(new TiltSensor(this)) {
+      tilt_(new TiltSensor(this)),
+      lock_(std::make_unique<AppLock>(context_.settings, context_.clock)) {
     setWindowTitle(QStringLiteral("Тилика"));
     new DialogWidthLimit(this);
     setFocusPolicy(Qt::StrongFocus);
@@ -439,7 +443,8 @@ bool ViewController::isSliding() const {
 
 bool ViewController::nothingOver() const {
     return !state_.popupShown && state_.openForms == 0 && background_ == nullptr &&
-           restore_ == nullptr && QApplication::activeModalWidget() == nullptr && isActiveWindow();
+           restore_ == nullptr && (passDialog_ == nullptr || passDialog_->isHidden()) &&
+           cover_ == nullptr && QApplication::activeModalWidget() == nullptr && isActiveWindow();
 }
 
 bool ViewController::canMove() const {
@@ -662,6 +667,11 @@ void ViewController::resizeEvent(QResizeEvent* event) {
     if (restore_ != nullptr) {
         restore_->setGeometry(rect());
     }
+    for (QWidget* over : {static_cast<QWidget*>(passDialog_), static_cast<QWidget*>(cover_)}) {
+        if (over != nullptr) {
+            over->setGeometry(rect());
+        }
+    }
     for (QWidget* holder : holders_) {
         for (QWidget* page : holder->findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
             page->setGeometry(holder->rect());
@@ -713,6 +723,14 @@ restoreScreen* ViewController::restoreScreenShown() const {
 }
 
 void ViewController::becomeActive() {
+    // Back after long enough, the program shows nothing of itself until the
+    // code is typed; back sooner, it shows itself again.
+    if (lock_->lockDue()) {
+        lockView();
+        QTimer::singleShot(200, this, &ViewController::onPassTimer);
+    } else {
+        unlockView();
+    }
     if (!isVisible() || QApplication::activeModalWidget() != nullptr) {
         return;
     }

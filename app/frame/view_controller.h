@@ -35,18 +35,22 @@ class SystemPhotoSource;
 class noteEdit;
 }  // namespace tilika::diary
 namespace tilika::platform {
+class FingerprintReader;
 class ImageCodec;
 class QtPictures;
 }  // namespace tilika::platform
 
 namespace tilika::frame {
 
+class AppLock;
+class LockCover;
 class Popups;
 class Tab;
 class TiltSensor;
 class background;
 class dic;
 class mainMenu;
+class passwordView;
 class restoreScreen;
 struct FormAnswer;
 
@@ -126,6 +130,15 @@ public:
     // Whether the pages are on their way somewhere; a swipe waits for them.
     bool isSliding() const;
 
+    // The keypad of the program's code over everything: 1 asks for the
+    // code, 2 sets a new one (in view_controller_lock.cpp).
+    void showPass(int mode);
+    passwordView* passDialog() const;
+    // The cover that hides the content while the window is elsewhere.
+    void lockView();
+    void unlockView();
+    QWidget* lockCover() const;
+
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
     bool focusNextPrevChild(bool next) override;
@@ -169,6 +182,12 @@ private:
     bool saved(const core::WriteResult& result, QWidget* over);
     void viewDidAppear();
 
+    // ---- the lock (in view_controller_lock.cpp) ----
+    void onPassTimer();
+    void passwordFinished(int action);
+    // The switch of the lock shows what is stored, whatever the keypad did.
+    void afterPassword();
+
     RootServices services_;
     core::AppState& state_;
     core::Context& context_;
@@ -204,6 +223,11 @@ private:
     QPointer<background> background_;
     QPointer<restoreScreen> restore_;
     bool appeared_ = false;
+
+    std::unique_ptr<AppLock> lock_;
+    std::unique_ptr<platform::FingerprintReader> fingerprint_;
+    QPointer<passwordView> passDialog_;
+    QPointer<LockCover> cover_;
 };
 
 }  // namespace tilika::frame

@@ -12,6 +12,7 @@
 #include "diary/photo_source.h"
 #include "diary/profile_form.h"
 #include "diary/profiles.h"
+#include "frame/app_lock.h"
 #include "frame/background_screen.h"
 #include "frame/dic.h"
 #include "frame/look.h"
@@ -99,12 +100,14 @@ void ViewController::mainMenuClick(const core::MenuRow& row, bool checked) {
 
 void ViewController::settingClick(const core::MenuRow& row, bool on) {
     const session::SwitchEffect effect = session::switchEffect(row.id, on);
-    if (effect == session::SwitchEffect::lockComing) {
-        popups_->message(translatedText(state_, "Пароль на вход в программу скоро появится."),
-                         QString::fromStdString(row.comment), kNoAnswerTag, this);
-        if (QAbstractButton* toggle = menu_->mainRow(row.id)) {
-            toggle->setChecked(menuSetting(context_.settings, row.id));
-        }
+    if (effect == session::SwitchEffect::setPassword) {
+        showPass(2);
+        return;
+    }
+    if (effect == session::SwitchEffect::dropPassword) {
+        // Turning the lock off needs no code: whoever holds the open
+        // program could read it all anyway.
+        saved(lock_->turnOff(), this);
         return;
     }
     saved(changeMenuSetting(context_.settings, state_, row.id, on), this);

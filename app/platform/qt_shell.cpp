@@ -93,7 +93,9 @@ void QtShell::hideKeyboard() {
 }
 
 void QtShell::coverWithLock() {
-    log("The lock screen is not part of this build yet");
+    if (lockCoverer_) {
+        lockCoverer_();
+    }
 }
 
 }  // namespace tilika::platform

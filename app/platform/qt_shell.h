@@ -12,8 +12,8 @@ namespace tilika::platform {
 
 // The platform services on a desktop: alerts are message boxes, URLs open in
 // the desktop's handler, and the root window is a phone-shaped window.
-// Home-screen shortcuts, push registration and the lock cover don't exist
-// here (yet) and only leave a line in the log.
+// Home-screen shortcuts and push registration don't exist here (yet) and
+// only leave a line in the log.
 class QtShell final : public Shell {
 public:
     using RootFactory = std::function<std::unique_ptr<QWidget>()>;
@@ -29,6 +29,8 @@ public:
     // Opens the editor of a day for the active child in the root window.
     using DayEditorOpener = std::function<void(Date day)>;
     void setDayEditorOpener(DayEditorOpener opener) { dayEditorOpener_ = std::move(opener); }
+    // Lays the lock's cover over the root window.
+    void setLockCoverer(std::function<void()> cover) { lockCoverer_ = std::move(cover); }
     QWidget* rootWindow() const { return root_.get(); }
     void closeRootWindow() { root_.reset(); }
 
@@ -48,6 +50,7 @@ public:
 private:
     RootFactory rootFactory_;
     DayEditorOpener dayEditorOpener_;
+    std::function<void()> lockCoverer_;
     std::unique_ptr<QWidget> root_;
 };
 

@@ -29,6 +29,8 @@ inline constexpr std::string_view appStore = "appStore";
 inline constexpr std::string_view emptyNote = "emptyNote";
 inline constexpr std::string_view pass = "pass";
 inline constexpr std::string_view password = "password";
+// The salted hash of the lock's code; the digits themselves are never kept.
+inline constexpr std::string_view passwordHash = "passwordHash";
 
 // The growth charts show the WHO centile lines.
 inline constexpr std::string_view growthCentiles = "growthCentiles";

@@ -172,7 +172,7 @@ SwitchEffect switchEffect(int id, bool on) {
     constexpr int kChatCountRow = 55;
     switch (id) {
         case kPasswordRow:
-            return on ? SwitchEffect::lockComing : SwitchEffect::none;
+            return on ? SwitchEffect::setPassword : SwitchEffect::dropPassword;
         case kTiltRow:
             return SwitchEffect::tilt;
         case kPillsAlarmRow:

@@ -80,9 +80,10 @@ MenuCommand menuCommand(int id);
 // What turning a switch of the menu brings with it, besides its setting.
 enum class SwitchEffect {
     none,
-    // The password: there is no lock to set one for yet, so the switch stays
-    // off and the user is told so.
-    lockComing,
+    // The password: going on, the keypad asks for a new code twice, and the
+    // switch follows what came of it; going off forgets the code.
+    setPassword,
+    dropPassword,
     tilt,              // the tilt sensor starts or stops
     redrawMenuCounts,  // the counts of unread messages show or hide
     rebuildReminders,  // the medicines' reminders come or go

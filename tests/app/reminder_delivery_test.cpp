@@ -7,16 +7,13 @@
 #include <QMutex>
 #include <QMutexLocker>
 #include <QProcess>
-#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QThread>
 #include <QUrl>
 #include <QtTest>
 
 #include <chrono>
-#include <csignal>
 #include <filesystem>
-#include <sys/prctl.h>
 
 #include "core/context.h"
 #include "core/database.h"
@@ -28,6 +25,7 @@
 #include "platform/clock.h"
 #include "platform/desktop_notifier.h"
 #include "platform/folders.h"
+#include "support/private_bus.h"
 
 using namespace tilika;
 
@@ -102,19 +100,11 @@ class ReminderDeliveryTest : public QObject {
 
 private slots:
     void initTestCase() {
-        const QString daemon = QStandardPaths::findExecutable(QStringLiteral("dbus-daemon"));
-        if (daemon.isEmpty()) {
+        if (!test::busDaemonInstalled()) {
             QSKIP("dbus-daemon is not installed");
         }
-        // A test that crashes takes its bus along.
-        daemon_.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGTERM); });
-        daemon_.start(daemon, {"--session", "--nofork", "--print-address"});
-        QVERIFY(daemon_.waitForStarted());
-        while (!daemon_.canReadLine()) {
-            QVERIFY2(daemon_.waitForReadyRead(10000), "dbus-daemon printed no address");
-        }
-        address_ = QString::fromUtf8(daemon_.readLine()).trimmed();
-        QVERIFY(!address_.isEmpty());
+        address_ = test::startPrivateBus(daemon_);
+        QVERIFY2(!address_.isEmpty(), "dbus-daemon printed no address");
         // The program's own notifier talks to the session bus: ours.
         qputenv("DBUS_SESSION_BUS_ADDRESS", address_.toUtf8());
 
