@@ -132,9 +132,7 @@ title::title(GrowthServices services, QWidget* parent)
     setAutoFillBackground(true);
     const core::AppState& state = services_.context.state;
 
-    back_ = frame::headerButton(frame::translatedText(state, "Меню"), this);
-    back_->setObjectName(QStringLiteral("toMenu"));
-    connect(back_, &QToolButton::clicked, this, &Tab::menuRequested);
+    back_ = frame::menuButton(this, state);
     yearBack_ = frame::textButton(QStringLiteral("◀"), "yearBack", this);
     yearBack_->setToolTip(frame::translatedText(state, "Предыдущий год"));
     yearNext_ = frame::textButton(QStringLiteral("▶"), "yearNext", this);

@@ -175,9 +175,7 @@ korm::korm(KormServices services, QWidget* parent)
     setAutoFillBackground(true);
     const core::AppState& state = services_.context.state;
 
-    back_ = frame::headerButton(frame::translatedText(state, "Меню"), this);
-    back_->setObjectName(QStringLiteral("toMenu"));
-    connect(back_, &QToolButton::clicked, this, &Tab::menuRequested);
+    back_ = frame::menuButton(this, state);
     help_ = frame::headerButton(frame::translatedText(state, "Подсказки"), this);
     help_->setObjectName(QStringLiteral("help"));
     connect(help_, &QToolButton::clicked, this, &korm::help);

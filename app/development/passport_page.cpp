@@ -135,9 +135,7 @@ passport::passport(PassportServices services, QWidget* parent)
     setAutoFillBackground(true);
     const core::AppState& state = services_.context.state;
 
-    back_ = frame::headerButton(frame::translatedText(state, "Меню"), this);
-    back_->setObjectName(QStringLiteral("toMenu"));
-    connect(back_, &QToolButton::clicked, this, &Tab::menuRequested);
+    back_ = frame::menuButton(this, state);
     caption_ = new frame::ElidedLabel(frame::translatedText(state, kPageCaption), this, 19, true);
     caption_->setObjectName(QStringLiteral("caption"));
     caption_->setAlignment(Qt::AlignCenter);

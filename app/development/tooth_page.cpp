@@ -142,9 +142,7 @@ tooth::tooth(ToothServices services, QWidget* parent)
     setAutoFillBackground(true);
     const core::AppState& state = services_.context.state;
 
-    back_ = frame::headerButton(frame::translatedText(state, "Меню"), this);
-    back_->setObjectName(QStringLiteral("toMenu"));
-    connect(back_, &QToolButton::clicked, this, &Tab::menuRequested);
+    back_ = frame::menuButton(this, state);
     caption_ = new frame::ElidedLabel({}, this, 19, true);
     caption_->setObjectName(QStringLiteral("caption"));
     caption_->setAlignment(Qt::AlignCenter);

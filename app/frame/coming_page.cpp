@@ -19,11 +19,9 @@ comingPage::comingPage(int pageId, const QString& caption, core::AppState& state
     : Tab(pageId, parent), state_(state), pictures_(pictures) {
     setAutoFillBackground(true);
 
-    back_ = headerButton(translatedText(state, "Меню"), this);
-    back_->setObjectName(QStringLiteral("toMenu"));
+    back_ = menuButton(this, state);
     next_ = headerButton(translatedText(state, "Следующий раздел"), this);
     next_->setObjectName(QStringLiteral("toNextPage"));
-    connect(back_, &QToolButton::clicked, this, &Tab::menuRequested);
     connect(next_, &QToolButton::clicked, this, &Tab::nextPageRequested);
 
     caption_ = new ElidedLabel(caption, this, 19, true);

@@ -11,6 +11,7 @@
 #include "core/app_state.h"
 #include "frame/backgrounds.h"
 #include "frame/pictures.h"
+#include "frame/tab.h"
 #include "frame/translation.h"
 #include "platform/qt_canvas.h"
 #include "platform/qt_pictures.h"
@@ -189,6 +190,13 @@ QToolButton* textButton(const QString& text, const char* name, QWidget* parent) 
     button->setObjectName(QString::fromLatin1(name));
     button->setAutoRaise(true);
     button->setFocusPolicy(Qt::StrongFocus);
+    return button;
+}
+
+QToolButton* menuButton(Tab* page, const core::AppState& state) {
+    QToolButton* button = headerButton(translatedText(state, "Меню"), page);
+    button->setObjectName(QStringLiteral("toMenu"));
+    QObject::connect(button, &QToolButton::clicked, page, &Tab::menuRequested);
     return button;
 }
 

@@ -19,6 +19,8 @@ class QtPictures;
 
 namespace tilika::frame {
 
+class Tab;
+
 // Widgets that screens find again by number carry it as the property "tag".
 void setTag(QWidget* widget, int tag);
 int tag(const QObject* object);
@@ -71,6 +73,8 @@ void paintFocusRing(QPainter& painter, const QWidget* widget, const QRectF& shap
 // A picture button of a screen's header (back, next), and its picture in
 // the look of the background in use; set it again when that changes.
 QToolButton* headerButton(const QString& tip, QWidget* parent);
+// The header button of a page that leads back to the menu.
+QToolButton* menuButton(Tab* page, const core::AppState& state);
 // A header's button that says what it does in a word or a sign ("◀", "+").
 QToolButton* textButton(const QString& text, const char* name, QWidget* parent);
 // The bar at the top of a page: back to the menu, a step back, the caption,

@@ -87,9 +87,7 @@ inday::inday(InDayServices services, QWidget* parent)
     setAutoFillBackground(true);
     const core::AppState& state = services_.context.state;
 
-    back_ = frame::headerButton(frame::translatedText(state, "Меню"), this);
-    back_->setObjectName(QStringLiteral("toMenu"));
-    connect(back_, &QToolButton::clicked, this, &Tab::menuRequested);
+    back_ = frame::menuButton(this, state);
     dayBack_ = frame::textButton(QStringLiteral("◀"), "dayBack", this);
     dayBack_->setToolTip(frame::translatedText(state, "Предыдущий день"));
     dayNext_ = frame::textButton(QStringLiteral("▶"), "dayNext", this);
