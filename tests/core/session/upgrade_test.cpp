@@ -270,6 +270,25 @@ TEST_F(UpgradeTest, ASecondRunChangesNothing) {
     }
 }
 
+TEST_F(UpgradeTest, ALaunchFinishesAChainCutShort) {
+    oldDiary("oldest_diary.sql");
+    upgrade();
+    const std::string whole = dumpOf(database.path());
+
+    // A launch killed after the first steps leaves them done and the rest
+    // undone; the next launch picks up from there.
+    oldDiary("oldest_diary.sql");
+    {
+        Upgrade cut(context);
+        cut.fromOldVersionConstGuid();
+        cut.fromOldVersionChildFields();
+        cut.fromOldVersionChildCorrectVes();
+        cut.fromOldVersionChild7();
+    }
+    upgrade();
+    EXPECT_EQ(dumpOf(database.path()), whole);
+}
+
 TEST_F(UpgradeTest, CurrentDiaryIsLeftAsItIs) {
     newChild("2024-05-01", "3.4", "52");
     const std::string before = dumpOf(database.path());
