@@ -5,6 +5,7 @@
 #include <chrono>
 #include <map>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -52,19 +53,14 @@ std::unique_ptr<SQLite::Database> openTemplate(const core::Context& context) {
 }
 
 // Creates a table with the template's own statement, so that a table an
-// upgrade adds has exactly the shape of a new diary's.
-bool createAsTemplate(SQLite::Database& db, SQLite::Database& shipped, std::string_view table) {
-    std::string sql;
-    core::runGuarded("upgrade", [&] {
-        SQLite::Statement query(shipped,
-                                "select sql from sqlite_master where type='table' and "
-                                "name=?");
-        query.bind(1, std::string(table));
-        if (query.executeStep()) {
-            sql = query.getColumn(0).getString();
-        }
-    });
-    return !sql.empty() && core::runGuarded("upgrade", [&] { db.exec(sql); });
+// upgrade adds has exactly the shape of a new diary's. Throws when it can't.
+void createAsTemplate(SQLite::Database& db, SQLite::Database& shipped, std::string_view table) {
+    SQLite::Statement query(shipped, "select sql from sqlite_master where type='table' and name=?");
+    query.bind(1, std::string(table));
+    if (!query.executeStep()) {
+        throw std::runtime_error("the template has no table " + std::string(table));
+    }
+    db.exec(query.getColumn(0).getString());
 }
 
 // Old achievement and health marks were one row per mark, the mark's list
@@ -91,57 +87,54 @@ std::optional<std::pair<std::string_view, int>> oldMark(std::string_view type) {
 }
 
 void convertOldMarks(SQLite::Database& db, const core::Dates& dates) {
-    core::runGuarded("old marks", [&] {
-        std::map<std::pair<long long, std::string>, OldMarks> days;
-        std::vector<long long> converted;
-        SQLite::Statement query(db,
-                                "select datid, chid, dat, type from childdata where type like "
-                                "'achiv%' or type like 'health%' order by dat, datid");
-        while (query.executeStep()) {
-            const auto mark = oldMark(query.getColumn(3).getString());
-            if (!mark) {
+    std::map<std::pair<long long, std::string>, OldMarks> days;
+    std::vector<long long> converted;
+    SQLite::Statement query(db,
+                            "select datid, chid, dat, type from childdata where type like "
+                            "'achiv%' or type like 'health%' order by dat, datid");
+    while (query.executeStep()) {
+        const auto mark = oldMark(query.getColumn(3).getString());
+        if (!mark) {
+            continue;
+        }
+        const long long chid = query.getColumn(1).getInt64();
+        const long long dat = query.getColumn(2).getInt64();
+        OldMarks& day = days[{chid, dates.dateToString(fromSeconds(dat), core::formats::day)}];
+        if (day.achive.empty() && day.health.empty()) {
+            day.chid = chid;
+            day.dat = dat;
+        }
+        (mark->first == "achiv" ? day.achive : day.health).push_back(std::to_string(mark->second));
+        converted.push_back(query.getColumn(0).getInt64());
+    }
+    if (converted.empty()) {
+        return;
+    }
+    core::WriteTransaction transaction(db);
+    SQLite::Statement insert(db,
+                             "insert into childdata (chid, dat, type, value) "
+                             "values (?, ?, ?, ?)");
+    for (const auto& [key, day] : days) {
+        for (const auto& [type, marks] :
+             {std::pair{"achive", &day.achive}, std::pair{"health", &day.health}}) {
+            if (marks->empty()) {
                 continue;
             }
-            const long long chid = query.getColumn(1).getInt64();
-            const long long dat = query.getColumn(2).getInt64();
-            OldMarks& day = days[{chid, dates.dateToString(fromSeconds(dat), core::formats::day)}];
-            if (day.achive.empty() && day.health.empty()) {
-                day.chid = chid;
-                day.dat = dat;
-            }
-            (mark->first == "achiv" ? day.achive : day.health)
-                .push_back(std::to_string(mark->second));
-            converted.push_back(query.getColumn(0).getInt64());
+            insert.bind(1, static_cast<std::int64_t>(day.chid));
+            insert.bind(2, static_cast<std::int64_t>(day.dat));
+            insert.bind(3, type);
+            insert.bind(4, core::join(*marks, "<tr>"));
+            insert.exec();
+            insert.reset();
         }
-        if (converted.empty()) {
-            return;
-        }
-        core::WriteTransaction transaction(db);
-        SQLite::Statement insert(db,
-                                 "insert into childdata (chid, dat, type, value) "
-                                 "values (?, ?, ?, ?)");
-        for (const auto& [key, day] : days) {
-            for (const auto& [type, marks] :
-                 {std::pair{"achive", &day.achive}, std::pair{"health", &day.health}}) {
-                if (marks->empty()) {
-                    continue;
-                }
-                insert.bind(1, static_cast<std::int64_t>(day.chid));
-                insert.bind(2, static_cast<std::int64_t>(day.dat));
-                insert.bind(3, type);
-                insert.bind(4, core::join(*marks, "<tr>"));
-                insert.exec();
-                insert.reset();
-            }
-        }
-        SQLite::Statement remove(db, "delete from childdata where datid=?");
-        for (long long datid : converted) {
-            remove.bind(1, static_cast<std::int64_t>(datid));
-            remove.exec();
-            remove.reset();
-        }
-        transaction.commit();
-    });
+    }
+    SQLite::Statement remove(db, "delete from childdata where datid=?");
+    for (long long datid : converted) {
+        remove.bind(1, static_cast<std::int64_t>(datid));
+        remove.exec();
+        remove.reset();
+    }
+    transaction.commit();
 }
 
 // Fills the NULL cells of a text column from a seconds column, as dates in
@@ -172,6 +165,27 @@ void fillFromSeconds(SQLite::Database& db, const core::Dates& dates, std::string
         }
         transaction.commit();
     });
+}
+
+// The first versions kept the ticks of the first profile's tags in the
+// settings.
+void addOldTags(SQLite::Database& db, const platform::SettingsStore& settings) {
+    SQLite::Statement first(db, "select min(chid) from child");
+    if (!first.executeStep() || first.getColumn(0).isNull()) {
+        return;
+    }
+    const long long chid = first.getColumn(0).getInt64();
+    SQLite::Statement insert(db,
+                             "insert into childselect (chid, seltypeid, seltagid) "
+                             "values (?, 1, ?)");
+    for (int n = 1; n <= 31; ++n) {
+        if (settings.boolValue("picTag" + std::to_string(n))) {
+            insert.bind(1, static_cast<std::int64_t>(chid));
+            insert.bind(2, n);
+            insert.exec();
+            insert.reset();
+        }
+    }
 }
 
 }  // namespace
@@ -333,20 +347,20 @@ void Upgrade::fromOldVersionChildFields() {
     if (!shipped) {
         return;
     }
-    createAsTemplate(*db, *shipped, "childselect");
-    if (!createAsTemplate(*db, *shipped, "childconst")) {
-        return;
-    }
-    // The template's rows come with their guids, the seeded ones included,
-    // so the lists read exactly as in a new diary and the later steps find
-    // their rows already there.
+    // The new tables, their rows and the old marks' conversion land
+    // together: a diary with the lists is taken for one that has all this.
     core::runGuarded("reference lists", [&] {
+        core::WriteTransaction transaction(*db);
+        createAsTemplate(*db, *shipped, "childselect");
+        createAsTemplate(*db, *shipped, "childconst");
+        // The template's rows come with their guids, the seeded ones
+        // included, so the lists read exactly as in a new diary and the
+        // later steps find their rows already there.
         SQLite::Statement read(*shipped,
                                "select coid, coname, cotype, deleted, coguid from childconst");
         SQLite::Statement insert(*db,
-                                 "insert into childconst (coid, coname, cotype, "
-                                 "deleted, coguid) values (?, ?, ?, ?, ?)");
-        core::WriteTransaction transaction(*db);
+                                 "insert into childconst (coid, coname, cotype, deleted, "
+                                 "coguid) values (?, ?, ?, ?, ?)");
         while (read.executeStep()) {
             insert.bind(1, read.getColumn(0).getInt64());
             insert.bind(2, read.getColumn(1).getString());
@@ -360,29 +374,9 @@ void Upgrade::fromOldVersionChildFields() {
             insert.exec();
             insert.reset();
         }
+        convertOldMarks(*db, context_.dates);
+        addOldTags(*db, context_.settings);
         transaction.commit();
-    });
-    convertOldMarks(*db, context_.dates);
-
-    // The first versions kept the ticks of the first profile's tags in the
-    // settings.
-    core::runGuarded("old tags", [&] {
-        SQLite::Statement first(*db, "select min(chid) from child");
-        if (!first.executeStep() || first.getColumn(0).isNull()) {
-            return;
-        }
-        const long long chid = first.getColumn(0).getInt64();
-        SQLite::Statement insert(*db,
-                                 "insert into childselect (chid, seltypeid, seltagid) "
-                                 "values (?, 1, ?)");
-        for (int n = 1; n <= 31; ++n) {
-            if (context_.settings.boolValue("picTag" + std::to_string(n))) {
-                insert.bind(1, static_cast<std::int64_t>(chid));
-                insert.bind(2, n);
-                insert.exec();
-                insert.reset();
-            }
-        }
     });
 }
 

@@ -105,7 +105,12 @@ protected:
 
 TEST_F(UpgradeTest, OldestDiaryComesForwardWithItsRows) {
     oldDiary("oldest_diary.sql");
+    // The first versions kept the first profile's tag ticks in the settings.
+    settings.setBool("picTag2", true);
     const fs::path copy = upgrade();
+    EXPECT_EQ(column("select tagguid from childselect where childguid='" +
+                     core::newID2(core::idkind::profile, 1) + "' and seltypeid=1"),
+              std::vector<std::string>{core::newID2(core::idkind::listRow, 2)});
 
     // Grams become kilograms; weights already in kilograms stay.
     EXPECT_EQ(column("select value from childdata where type='ves' order by datid"),
