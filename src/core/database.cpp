@@ -233,7 +233,7 @@ bool DatabaseStore::toReserv() {
 
     std::vector<std::string> names;
     for (const auto& entry : fs::directory_iterator(folder, error)) {
-        if (entry.path().extension() == ".sqlite") {
+        if (isCopyName(entry.path()) || entry.path().filename() == fileName_) {
             names.push_back(entry.path().filename().string());
         }
     }

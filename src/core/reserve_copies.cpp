@@ -33,14 +33,14 @@ int countOf(SQLite::Database& db, const char* sql) {
     return query.executeStep() ? query.getColumn(0).getInt() : 0;
 }
 
+}  // namespace
+
 bool isCopyName(const fs::path& file) {
     const std::string stem = file.stem().string();
     return file.extension() == ".sqlite" && stem.size() == 6 &&
            std::all_of(stem.begin(), stem.end(),
                        [](unsigned char c) { return std::isdigit(c) != 0; });
 }
-
-}  // namespace
 
 FileHealth checkDatabaseFile(const fs::path& file) {
     try {

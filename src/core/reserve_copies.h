@@ -27,6 +27,11 @@ FileHealth checkDatabaseFile(const std::filesystem::path& file);
 // ".part" file so that a failure never leaves half a copy under the name.
 bool backupDatabase(const std::filesystem::path& from, const std::filesystem::path& to);
 
+// True for the name of a daily copy, "yyMMdd.sqlite". Other copies kept in
+// the reserve folder (the one taken before an upgrade) are not part of the
+// daily rotation.
+bool isCopyName(const std::filesystem::path& file);
+
 // One daily copy of the reserve folder, as the restore screen lists it.
 struct ReserveCopy {
     std::filesystem::path file;

@@ -18,6 +18,7 @@
 #include "platform/notifier.h"
 #include "platform/settings_store.h"
 #include "platform/shell.h"
+#include "session/upgrade.h"
 
 namespace tilika::session {
 
@@ -172,6 +173,7 @@ void Application::fromOldVersion() {
     }
     // The remaining steps bring databases of older versions forward, column
     // by column; a database made from the current template needs none.
+    Upgrade(context_).run();
 }
 
 void Application::fromOldVersionChild1() {

@@ -170,11 +170,14 @@ TEST_F(DatabaseStoreTest, KeepsFiveFilesAndDropsTheOldestCopy) {
         fs::copy_file(store.path(), reserv() / name);
     }
     std::ofstream(reserv() / "261120.sqlite.part") << "left by a crash";
+    // The copy taken before an upgrade is kept by hand, outside the count.
+    fs::copy_file(store.path(), reserv() / "before-upgrade-200101.sqlite");
 
     ASSERT_NE(store.connectToBase(), nullptr);
     EXPECT_EQ(reservFiles(),
               (std::set<std::string>{"261002.sqlite", "261003.sqlite", "261004.sqlite",
-                                     "261121.sqlite", "child.sqlite", "261120.sqlite.part"}));
+                                     "261121.sqlite", "child.sqlite", "261120.sqlite.part",
+                                     "before-upgrade-200101.sqlite"}));
 
     // One file goes per day, however many there are.
     for (const char* name : {"250101.sqlite", "250102.sqlite"}) {
@@ -186,6 +189,7 @@ TEST_F(DatabaseStoreTest, KeepsFiveFilesAndDropsTheOldestCopy) {
     EXPECT_TRUE(reservFiles().contains("250102.sqlite"));
     EXPECT_TRUE(reservFiles().contains("261122.sqlite"));
     EXPECT_TRUE(reservFiles().contains("child.sqlite"));
+    EXPECT_TRUE(reservFiles().contains("before-upgrade-200101.sqlite"));
 }
 
 TEST_F(DatabaseStoreTest, RetriesAFailedCopyAFewTimes) {
