@@ -17,6 +17,7 @@
 #include "frame/elided_label.h"
 #include "frame/form_shared.h"
 #include "frame/look.h"
+#include "frame/page_bar.h"
 #include "frame/popup_panels.h"
 #include "frame/scroll_view.h"
 #include "frame/subcheck.h"
@@ -94,13 +95,9 @@ baby::baby(BabyServices services, QWidget* parent)
     setAutoFillBackground(true);
     const core::AppState& state = services_.context.state;
 
-    back_ = frame::menuButton(this, state);
-    caption_ = new frame::ElidedLabel(frame::translatedText(state, kPageCaption), this, 19, true);
-    caption_->setObjectName(QStringLiteral("caption"));
-    caption_->setAlignment(Qt::AlignCenter);
-    auto* balance = new QWidget(this);
-    balance->setFixedWidth(44);
-    QWidget* bar = frame::captionBar(back_, nullptr, caption_, nullptr, balance, this);
+    const frame::PageBar bar = frame::readingBar(this, state, kPageCaption);
+    back_ = bar.back;
+    caption_ = bar.caption;
 
     weeks_ = new QLabel(this);
     weeks_->setObjectName(QStringLiteral("weeks"));
@@ -139,7 +136,7 @@ baby::baby(BabyServices services, QWidget* parent)
 
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(8, 8, 8, 0);
-    layout->addWidget(bar);
+    layout->addWidget(bar.bar);
     layout->addWidget(weeks_);
     layout->addWidget(months_);
     layout->addWidget(scroll, 1);

@@ -11,6 +11,7 @@
 #include "diary/profiles.h"
 #include "frame/elided_label.h"
 #include "frame/look.h"
+#include "frame/page_bar.h"
 #include "frame/popup_panels.h"
 #include "frame/textdata.h"
 #include "platform/qt_canvas.h"
@@ -31,20 +32,16 @@ play::play(PlayServices services, QWidget* parent)
     setAutoFillBackground(true);
     const core::AppState& state = services_.context.state;
 
-    back_ = frame::menuButton(this, state);
-    caption_ = new frame::ElidedLabel(frame::translatedText(state, kPageCaption), this, 19, true);
-    caption_->setObjectName(QStringLiteral("caption"));
-    caption_->setAlignment(Qt::AlignCenter);
-    auto* balance = new QWidget(this);
-    balance->setFixedWidth(44);
-    QWidget* bar = frame::captionBar(back_, nullptr, caption_, nullptr, balance, this);
+    const frame::PageBar bar = frame::readingBar(this, state, kPageCaption);
+    back_ = bar.back;
+    caption_ = bar.caption;
 
     text_ = new frame::textdata(services_.popups.environment(), services_.pictures, this);
     text_->setObjectName(QStringLiteral("toys"));
 
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(8, 8, 8, 0);
-    layout->addWidget(bar);
+    layout->addWidget(bar.bar);
     layout->addWidget(text_, 1);
 }
 
