@@ -199,7 +199,9 @@ void baby::showRings() {
             ring->prepareChart(chart::kProgress,
                                shownPercent(ringPercent(skills[i], gcurweek_, step_)),
                                platform::toQColor(kRingColor), platform::toQColor(kRingBackColor));
-            ring->setToolTip(qs(ringLabel(ringPercent(skills[i], gcurweek_, step_))));
+            const QString label = qs(ringLabel(ringPercent(skills[i], gcurweek_, step_)));
+            ring->setToolTip(label);
+            rows_[i]->setAccessibleDescription(label);
         }
     }
 }
