@@ -38,6 +38,7 @@
 #include "frame/dic.h"
 #include "frame/look.h"
 #include "frame/main_menu.h"
+#include "frame/old_files_run.h"
 #include "frame/password_view.h"
 #include "frame/popup_panels.h"
 #include "frame/restore_screen.h"
@@ -698,6 +699,9 @@ void ViewController::showEvent(QShowEvent* event) {
         // into the restore screen has no welcome.
         if (restore_ == nullptr) {
             QTimer::singleShot(0, this, &ViewController::viewDidAppear);
+            // After the welcome, so that the progress lies over it.
+            QTimer::singleShot(
+                0, this, [this] { OldFilesRun::fromOldVersionFiles(this, *popups_, context_); });
         }
     }
 }

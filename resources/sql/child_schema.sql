@@ -70,6 +70,12 @@ CREATE INDEX childconst_guid ON childconst (coguid);
 CREATE INDEX childconst_type ON childconst (cotype, deleted);
 CREATE INDEX childselect_child ON childselect (childguid, seltypeid);
 CREATE INDEX childkorm_child_moment ON childkorm (childguid, datetime(kodates));
+-- Each launch asks whether rows of older versions are left to convert;
+-- these hold only such rows, so the answer for a current diary is an empty
+-- index rather than a scan of years of entries.
+CREATE INDEX childdata_undated ON childdata (datid) WHERE sdat IS NULL;
+CREATE INDEX childdata_grams ON childdata (type, CAST(value AS REAL)) WHERE type = 'ves';
+CREATE INDEX childkorm_undated ON childkorm (koid) WHERE kodates IS NULL;
 
 -- The first profile keeps the fixed guid of profile number 1, so that a
 -- diary started here and one started on an old device meet as one child.

@@ -70,10 +70,23 @@ inline constexpr std::string_view toothHelp = "toothHelp";
 inline constexpr std::string_view noteHelp = "noteHelp";
 inline constexpr std::string_view kormHelp = "kormHelp";
 inline constexpr std::string_view oldVersionPill3 = "OldVersionPill3";
+// Photos and scans carry their profile's guid, not its number.
+inline constexpr std::string_view oldfiles = "oldfiles";
 
 // Where the very first versions kept the child's birthday and sex.
 inline constexpr std::string_view legacyBirthday = "Date";
 inline constexpr std::string_view legacySex = "Sex";
+// Their measures: "regim%dcount" entries of "regim%dvalue%d" on
+// "regim%ddate%d", regim 1 the height and 2 the weight.
+inline std::string legacyRegimCount(int regim) {
+    return "regim" + std::to_string(regim) + "count";
+}
+inline std::string legacyRegimValue(int regim, long long n) {
+    return "regim" + std::to_string(regim) + "value" + std::to_string(n);
+}
+inline std::string legacyRegimDate(int regim, long long n) {
+    return "regim" + std::to_string(regim) + "date" + std::to_string(n);
+}
 
 // "version" and the version key: this version has greeted the user.
 inline std::string versionGreeted(std::string_view versionKey) {

@@ -1,12 +1,16 @@
 #include "session/application.h"
 
 #include <cctype>
+#include <stdexcept>
+#include <string>
+#include <utility>
 
 #include "core/build_info.h"
 #include "core/ids.h"
 #include "core/menu_rows.h"
 #include "core/settings_keys.h"
 #include "core/text.h"
+#include "diary/day_rows.h"
 #include "diary/profiles.h"
 #include "diary/reference_lists.h"
 #include "frame/backgrounds.h"
@@ -198,6 +202,40 @@ void Application::fromOldVersionChild1() {
         update.bind(2, static_cast<std::int64_t>(sex));
         dateToBase(dates_, update, 3, birthday, false);
         update.exec();
+    });
+    addLegacyEntries(*db);
+}
+
+void Application::addLegacyEntries(SQLite::Database& db) {
+    // The very first versions kept the child's heights and weights, and the
+    // days of a few first milestones, in the settings too. A new
+    // installation has none of them.
+    const std::string gid = core::newID2(core::idkind::profile, 1);
+    core::runGuarded("first profile's entries", [&] {
+        core::WriteTransaction transaction(db);
+        diary::DayRows rows(db, dates_);
+        for (const auto& [regim, type] : {std::pair{1, "rost"}, std::pair{2, "ves"}}) {
+            const long long count = settings_.intValue(core::keys::legacyRegimCount(regim));
+            for (long long n = 1; n <= count; ++n) {
+                const auto day = settings_.dateValue(core::keys::legacyRegimDate(regim, n));
+                if (!day) {
+                    continue;
+                }
+                const double value = settings_.doubleValue(core::keys::legacyRegimValue(regim, n));
+                rows.insertValue(type, core::formatFixed(value, 2), *day, gid, false, false);
+            }
+        }
+        for (const auto& [key, type] :
+             {std::pair{"pos11", "rich2"}, std::pair{"pos12", "rich1"}, std::pair{"pos13", "rich4"},
+              std::pair{"pos14", "rich5"}, std::pair{"pos15", "rich6"}}) {
+            if (const auto day = settings_.dateValue(key)) {
+                rows.insertValue(type, "1", *day, gid, false, false);
+            }
+        }
+        if (!rows.result()) {
+            throw std::runtime_error("the old entries could not be stored");
+        }
+        transaction.commit();
     });
 }
 

@@ -93,6 +93,7 @@ public:
 private:
     void fromOldVersion();
     void fromOldVersionChild1();
+    void addLegacyEntries(SQLite::Database& db);
     void buildShortcuts();
     // Everything shown comes from the database that is there now.
     void databaseReplaced();

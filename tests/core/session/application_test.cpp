@@ -152,6 +152,49 @@ TEST_F(ApplicationTest, LaterLaunchesKeepIdentityAndData) {
     EXPECT_EQ(child.getColumn(0).getString(), "2026-11-22");
 }
 
+TEST_F(ApplicationTest, FirstVersionsSettingsBecomeTheFirstChildsEntries) {
+    const auto day = [&](const char* text) { return *app.dates().dateFromString(text); };
+    settings.setDate(keys::legacyBirthday, day("2014-03-01 00:00"));
+    settings.setInt(keys::legacySex, 1);
+    settings.setInt(keys::legacyRegimCount(1), 2);
+    settings.setValue(keys::legacyRegimValue(1, 1), 52.5);
+    settings.setDate(keys::legacyRegimDate(1, 1), day("2014-03-01 12:00"));
+    settings.setValue(keys::legacyRegimValue(1, 2), 56);
+    settings.setDate(keys::legacyRegimDate(1, 2), day("2014-04-01 12:00"));
+    // Counted but never dated: nothing to place it on.
+    settings.setInt(keys::legacyRegimCount(2), 2);
+    settings.setValue(keys::legacyRegimValue(2, 1), 3.4);
+    settings.setDate(keys::legacyRegimDate(2, 1), day("2014-03-01 12:00"));
+    settings.setValue(keys::legacyRegimValue(2, 2), 4.1);
+    settings.setDate("pos12", day("2014-05-10 09:00"));
+    launch();
+
+    {
+        std::vector<std::string> rows;
+        SQLite::Statement query(
+            *app.database().connectToBase(),
+            "select type || ' ' || date(sdat) || ' ' || value || ' ' || childguid "
+            "from childdata order by sdat, type");
+        while (query.executeStep()) {
+            rows.push_back(query.getColumn(0).getString());
+        }
+        const std::string gid = newID2(idkind::profile, 1);
+        EXPECT_EQ(rows, (std::vector<std::string>{
+                            "rost 2014-03-01 52.50 " + gid, "ves 2014-03-01 3.40 " + gid,
+                            "rost 2014-04-01 56.00 " + gid, "rich1 2014-05-10 1 " + gid}));
+        SQLite::Statement child(*app.database().connectToBase(),
+                                "select sbirthdate, sex from child where chid=1");
+        ASSERT_TRUE(child.executeStep());
+        EXPECT_EQ(child.getColumn(0).getString(), "2014-03-01");
+        EXPECT_EQ(child.getColumn(1).getInt(), 1);
+    }
+    // A later launch does not take them over again.
+    launch();
+    SQLite::Statement again(*app.database().connectToBase(), "select count(*) from childdata");
+    ASSERT_TRUE(again.executeStep());
+    EXPECT_EQ(again.getColumn(0).getInt(), 4);
+}
+
 TEST_F(ApplicationTest, SwitchesOldCloudModesOff) {
     for (const auto& [stored, expected] :
          std::vector<std::pair<int, int>>{{2, 1}, {4, 1}, {5, 1}, {11, 11}, {12, 12}, {1, 1}}) {
