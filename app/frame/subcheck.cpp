@@ -32,6 +32,7 @@ subcheck::subcheck(const TextPageEnvironment& environment, core::AppState& state
     balance->setFixedWidth(44);
     QWidget* bar = captionBar(back_, nullptr, caption_, nullptr, balance, this);
     text_ = new textdata(environment, pictures, this);
+    connect(text_, &textdata::checkClicked, this, &subcheck::checkClick);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(8, 8, 8, 0);
     layout->addWidget(bar);
@@ -40,8 +41,14 @@ subcheck::subcheck(const TextPageEnvironment& environment, core::AppState& state
     parentWidget()->installEventFilter(this);
 }
 
-void subcheck::prepare(const QString& caption, const QString& file,
-                       std::optional<long long> group) {
+void subcheck::setCheckData(std::vector<std::string> marks, CheckHandler handler) {
+    marks_ = std::move(marks);
+    checkHandler_ = std::move(handler);
+}
+
+void subcheck::prepare(const QString& caption, const QString& file, std::optional<long long> group,
+                       int basetp) {
+    basetp_ = basetp;
     correctBackground(this, true, state_, pictures_);
     setTextColor(caption_, platform::toQColor(state_.textColor));
     setHeaderButtonPicture(back_, pictures_, "text-back.png", state_);
@@ -56,10 +63,33 @@ void subcheck::prepare(const QString& caption, const QString& file,
     raise();
     setFocus();
     text_->prepareTextFromFile(file, true);
+    if (checkHandler_) {
+        text_->page().setCheckData(marks_);
+        text_->refresh();
+    }
     if (group) {
         // The page lays itself out once shown at its width.
         QTimer::singleShot(0, this, [this, group] { text_->hiliteGroup(*group, false); });
     }
+}
+
+void subcheck::checkClick(long long tag) {
+    if (!checkHandler_) {
+        return;
+    }
+    TextPage& page = text_->page();
+    const auto guid = page.tagguid(tag);
+    if (!guid) {
+        return;
+    }
+    text_->checkClick(tag);
+    const bool checked = page.checkState(*guid);
+    // Opened again, the page shows the ticks as they are now.
+    std::erase(marks_, *guid);
+    if (checked) {
+        marks_.push_back(*guid);
+    }
+    checkHandler_(*guid, checked, page.getHiddenText(*guid), basetp_);
 }
 
 bool subcheck::eventFilter(QObject* watched, QEvent* event) {
