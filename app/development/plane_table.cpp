@@ -7,15 +7,12 @@
 #include <QPinchGesture>
 #include <QScrollArea>
 #include <QScrollBar>
-#include <QToolButton>
-#include <QVBoxLayout>
 #include <QWheelEvent>
 
 #include <algorithm>
 #include <cmath>
 
 #include "core/app_state.h"
-#include "frame/elided_label.h"
 #include "frame/look.h"
 #include "frame/scroll_view.h"
 #include "platform/qt_canvas.h"
@@ -58,63 +55,26 @@ void CardSurface::paintEvent(QPaintEvent* /*event*/) {
 }
 
 planeTable::planeTable(core::AppState& state, const platform::QtPictures& pictures, QWidget* host)
-    : QWidget(host->window()), state_(state), pictures_(pictures) {
+    : frame::OverlayView(state, pictures, host) {
     setObjectName(QStringLiteral("planeTable"));
-    setAutoFillBackground(true);
-    setFocusPolicy(Qt::StrongFocus);
-    back_ = frame::headerButton(frame::translatedText(state, "Назад"), this);
-    back_->setObjectName(QStringLiteral("back"));
-    connect(back_, &QToolButton::clicked, this, &planeTable::closeView);
-    caption_ = new frame::ElidedLabel({}, this, 19, true);
-    caption_->setObjectName(QStringLiteral("caption"));
-    caption_->setAlignment(Qt::AlignCenter);
-    // The caption stays in the middle of the bar.
-    auto* balance = new QWidget(this);
-    balance->setFixedWidth(44);
-    QWidget* bar = frame::captionBar(back_, nullptr, caption_, nullptr, balance, this);
-
     scroll_ = new frame::ScrollView(this);
     scroll_->setObjectName(QStringLiteral("cardScroll"));
     scroll_->setFrameShape(QFrame::NoFrame);
     scroll_->setWidgetResizable(false);
-    surface_ = new CardSurface(card_, pictures_, scroll_);
+    surface_ = new CardSurface(card_, pictures, scroll_);
     scroll_->setWidget(surface_);
     scroll_->viewport()->installEventFilter(this);
     surface_->installEventFilter(this);
     grabGesture(Qt::PinchGesture);
     scroll_->viewport()->grabGesture(Qt::PinchGesture);
-
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(8, 8, 8, 0);
-    layout->addWidget(bar);
-    layout->addWidget(scroll_, 1);
-    // It covers the window whatever size the window takes.
-    parentWidget()->installEventFilter(this);
+    setBody(scroll_);
     hide();
-}
-
-planeTable::~planeTable() {
-    if (open_) {
-        --state_.openForms;
-    }
 }
 
 void planeTable::prepare(const std::vector<std::string>& marks) {
     card_.prepare(marks);
-    frame::correctBackground(this, true, state_, pictures_);
-    frame::setTextColor(caption_, platform::toQColor(state_.textColor));
-    frame::setHeaderButtonPicture(back_, pictures_, "text-back.png", state_);
-    caption_->setText(frame::translatedText(state_, kCardCaption));
-    setGeometry(parentWidget()->rect());
-    if (!open_) {
-        // The pages under it hold still while it is up.
-        open_ = true;
-        ++state_.openForms;
-    }
     surface_->setZoom(zoom_);
-    show();
-    raise();
-    setFocus();
+    showOver(frame::translatedText(state(), kCardCaption));
 }
 
 void planeTable::setZoom(double zoom, QPointF anchor) {
@@ -141,7 +101,7 @@ bool planeTable::event(QEvent* event) {
     if (event->type() == QEvent::Gesture) {
         return gesture(static_cast<QGestureEvent*>(event));
     }
-    return QWidget::event(event);
+    return frame::OverlayView::event(event);
 }
 
 bool planeTable::gesture(QGestureEvent* event) {
@@ -158,9 +118,6 @@ bool planeTable::gesture(QGestureEvent* event) {
 }
 
 bool planeTable::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == parentWidget() && event->type() == QEvent::Resize && isVisible()) {
-        setGeometry(parentWidget()->rect());
-    }
     if (watched == scroll_->viewport() || watched == surface_) {
         auto* widget = static_cast<QWidget*>(watched);
         if (event->type() == QEvent::Wheel) {
@@ -183,14 +140,10 @@ bool planeTable::eventFilter(QObject* watched, QEvent* event) {
             return gesture(static_cast<QGestureEvent*>(event));
         }
     }
-    return QWidget::eventFilter(watched, event);
+    return frame::OverlayView::eventFilter(watched, event);
 }
 
 void planeTable::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Escape || event->key() == Qt::Key_Back) {
-        closeView();
-        return;
-    }
     if (event->modifiers() & Qt::ControlModifier) {
         if (event->key() == Qt::Key_Equal || event->key() == Qt::Key_Plus) {
             setZoom(zoom_ * kZoomStep);
@@ -205,24 +158,7 @@ void planeTable::keyPressEvent(QKeyEvent* event) {
             return;
         }
     }
-    QWidget::keyPressEvent(event);
-}
-
-void planeTable::mouseReleaseEvent(QMouseEvent* event) {
-    if (event->button() == Qt::BackButton) {
-        closeView();
-        return;
-    }
-    QWidget::mouseReleaseEvent(event);
-}
-
-void planeTable::closeView() {
-    if (open_) {
-        open_ = false;
-        --state_.openForms;
-    }
-    hide();
-    emit closed();
+    frame::OverlayView::keyPressEvent(event);
 }
 
 }  // namespace tilika::development

@@ -6,18 +6,10 @@
 #include <vector>
 
 #include "development/vaccination_card.h"
+#include "frame/overlay_view.h"
 
 class QGestureEvent;
-class QLabel;
 class QScrollArea;
-class QToolButton;
-
-namespace tilika::core {
-struct AppState;
-}
-namespace tilika::platform {
-class QtPictures;
-}
 
 namespace tilika::development {
 
@@ -26,8 +18,8 @@ class CardSurface;
 // The vaccination card over the whole window: the table and its legend as
 // one picture that scrolls both ways and zooms (Ctrl with the wheel, Ctrl+=
 // and Ctrl+-, a double click between one and two times, a pinch on a
-// touchpad). Back, Escape or the mouse's back button close it.
-class planeTable final : public QWidget {
+// touchpad).
+class planeTable final : public frame::OverlayView {
     Q_OBJECT
 
 public:
@@ -35,7 +27,6 @@ public:
     static constexpr double kMaxZoom = 3;
 
     planeTable(core::AppState& state, const platform::QtPictures& pictures, QWidget* host);
-    ~planeTable() override;
 
     // Builds the card with the plan's ticks and shows it.
     void prepare(const std::vector<std::string>& marks);
@@ -48,26 +39,16 @@ public:
     QScrollArea* scrollArea() const { return scroll_; }
     CardSurface* surface() const { return surface_; }
 
-signals:
-    void closed();
-
 protected:
     bool event(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
-    void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
-    void closeView();
     bool gesture(QGestureEvent* event);
 
-    core::AppState& state_;
-    const platform::QtPictures& pictures_;
     VaccinationCard card_;
     double zoom_ = 1;
-    bool open_ = false;
-    QLabel* caption_;
-    QToolButton* back_;
     QScrollArea* scroll_;
     CardSurface* surface_;
 };
