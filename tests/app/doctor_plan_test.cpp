@@ -5,6 +5,8 @@
 #include <QScrollBar>
 #include <QtTest>
 
+#include <algorithm>
+
 #include "core/ids.h"
 #include "development/doctor_page.h"
 #include "development/plane_table.h"
@@ -59,7 +61,7 @@ private slots:
                  std::string("Прививка от дифтерии, коклюша и столбняка (первая)"));
         tapBox(text, 10);
         QTRY_VERIFY(page->noteForm() != nullptr);
-        page->noteForm()->close();
+        page->noteForm()->closeForm();
 
         page->findChild<QAbstractButton*>(QStringLiteral("cardButton"))->click();
         planeTable* table = page->table();
@@ -75,6 +77,43 @@ private slots:
         // The whole card, as one picture, rather than the corner a phone
         // shows of it.
         save(table->scrollArea()->widget()->grab(), "vaccination_card.png");
+    }
+
+    void aLineLeadsToItsHelpAndTicksThereAreThePlans() {
+        launchPastWelcome();
+        const std::string gid = addChild(QStringLiteral("Аня"), "2026-07-10");
+        doctor* page = open(gid);
+        frame::textdata* text = page->text();
+        // The arrow of the line of the first DTP shot: how to get ready.
+        const frame::PageElement* link = nullptr;
+        for (const frame::PageElement& element : text->page().elements()) {
+            if (element.action == frame::PageAction::Link && link == nullptr) {
+                link = &element;
+            }
+        }
+        QVERIFY(link != nullptr);
+        const long long group = link->tag;
+        QTest::mouseClick(text->surface(), Qt::LeftButton, {},
+                          text->surface()->mapFrom(text, text->viewPosition(link->frame)));
+        frame::subcheck* help = page->help();
+        QVERIFY(help != nullptr && help->isVisible());
+        QCOMPARE(help->findChild<QLabel*>(QStringLiteral("caption"))->text(),
+                 QStringLiteral("Анализы"));
+        QTRY_VERIFY(help->text()->page().highlight().has_value());
+        const auto& groups = help->text()->page().groupData();
+        QVERIFY(std::any_of(groups.begin(), groups.end(),
+                            [&](const frame::PageGroup& g) { return g.groupid == group; }));
+        QTest::keyClick(help, Qt::Key_Escape);
+        QVERIFY(!help->isVisible());
+
+        // A text with boxes opened over the plan keeps its ticks as the
+        // plan's, and offers the diary as the plan does.
+        page->openHelp(QStringLiteral("План"), QStringLiteral("doctor-u"), 5, 1);
+        tapBox(help->text(), 12);
+        QTRY_VERIFY(page->noteForm() != nullptr);
+        page->noteForm()->closeForm();
+        QTest::keyClick(help, Qt::Key_Escape);
+        QVERIFY(text->page().checkState(mark(12)));
     }
 
     void theCardZoomsAsOnePicture() {
