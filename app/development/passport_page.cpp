@@ -21,6 +21,7 @@
 #include "frame/dic.h"
 #include "frame/elided_label.h"
 #include "frame/look.h"
+#include "frame/page_bar.h"
 #include "frame/pictures.h"
 #include "frame/popup_panels.h"
 #include "frame/scroll_view.h"
@@ -135,14 +136,9 @@ passport::passport(PassportServices services, QWidget* parent)
     setAutoFillBackground(true);
     const core::AppState& state = services_.context.state;
 
-    back_ = frame::menuButton(this, state);
-    caption_ = new frame::ElidedLabel(frame::translatedText(state, kPageCaption), this, 19, true);
-    caption_->setObjectName(QStringLiteral("caption"));
-    caption_->setAlignment(Qt::AlignCenter);
-    // The right of the bar is kept free for the help's hint.
-    auto* balance = new QWidget(this);
-    balance->setFixedWidth(44);
-    QWidget* bar = frame::captionBar(back_, nullptr, caption_, nullptr, balance, this);
+    const frame::PageBar bar = frame::readingBar(this, state, kPageCaption);
+    back_ = bar.back;
+    caption_ = bar.caption;
 
     scroll_ = new frame::ScrollView(this);
     scroll_->setWidgetResizable(true);
@@ -170,7 +166,7 @@ passport::passport(PassportServices services, QWidget* parent)
 
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(8, 8, 8, 0);
-    layout->addWidget(bar);
+    layout->addWidget(bar.bar);
     layout->addWidget(scroll_, 1);
 }
 

@@ -18,10 +18,12 @@
 #include <QVariantAnimation>
 
 #include "core/context.h"
+#include "development/baby_page.h"
 #include "development/doctor_page.h"
 #include "development/growth_page.h"
 #include "development/korm.h"
 #include "development/passport_page.h"
+#include "development/play_page.h"
 #include "development/ruler_view.h"
 #include "development/tooth_page.h"
 #include "diary/day_cloud.h"
@@ -256,6 +258,15 @@ Tab* ViewController::tab(int pageId) {
                     openDayEditor(date, gid, std::move(onClose));
                 });
             slot = teeth;
+        } else if (pageId == development::baby::kPageId || pageId == development::play::kPageId) {
+            // The skills and the toys only read.
+            if (pageId == development::baby::kPageId) {
+                slot = new development::baby(
+                    development::BabyServices{context_, services_.pictures, *popups_}, this);
+            } else {
+                slot = new development::play(
+                    development::PlayServices{context_, services_.pictures, *popups_}, this);
+            }
         } else if (pageId == kDoctorPage) {
             slot = new development::doctor(
                 development::DoctorServices{context_, services_.pictures, *popups_, lists_.get(),
