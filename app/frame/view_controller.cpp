@@ -19,6 +19,7 @@
 
 #include "core/context.h"
 #include "development/baby_page.h"
+#include "development/doctor_page.h"
 #include "development/growth_page.h"
 #include "development/korm.h"
 #include "development/passport_page.h"
@@ -63,6 +64,7 @@ constexpr int kDayPage = 2;
 constexpr int kGrowthPage = 3;
 constexpr int kToothPage = 6;
 constexpr int kFeedingPage = 7;
+constexpr int kDoctorPage = 8;
 constexpr int kDiaryPage = 9;
 // A drag becomes a swipe once it has gone this far, mostly sideways.
 constexpr int kSwipeStart = 12;
@@ -266,6 +268,11 @@ Tab* ViewController::tab(int pageId) {
                 slot = new development::play(
                     development::PlayServices{context_, services_.pictures, *popups_}, this);
             }
+        } else if (pageId == kDoctorPage) {
+            slot = new development::doctor(
+                development::DoctorServices{context_, services_.pictures, *popups_, lists_.get(),
+                                            dayCloud()},
+                this);
         } else {
             // Sections without their own page yet show what they are and
             // that they are coming.
