@@ -21,6 +21,7 @@
 #include "development/growth_page.h"
 #include "development/korm.h"
 #include "development/passport_page.h"
+#include "development/plane_page.h"
 #include "development/ruler_view.h"
 #include "development/tooth_page.h"
 #include "diary/day_cloud.h"
@@ -61,6 +62,7 @@ constexpr int kGrowthPage = 3;
 constexpr int kToothPage = 6;
 constexpr int kFeedingPage = 7;
 constexpr int kDiaryPage = 9;
+constexpr int kPlanePage = 10;
 // A drag becomes a swipe once it has gone this far, mostly sideways.
 constexpr int kSwipeStart = 12;
 
@@ -112,7 +114,8 @@ bool usesLeftDrags(const QWidget* widget) {
 bool usesDrags(const QWidget* widget) {
     for (const QWidget* w = widget; w != nullptr; w = w->parentWidget()) {
         if (editsText(w) || qobject_cast<const QAbstractSlider*>(w) != nullptr ||
-            qobject_cast<const development::vesslider*>(w) != nullptr) {
+            qobject_cast<const development::vesslider*>(w) != nullptr ||
+            qobject_cast<const development::PlaneStrip*>(w) != nullptr) {
             return true;
         }
         if (w->isWindow()) {
@@ -254,6 +257,11 @@ Tab* ViewController::tab(int pageId) {
                     openDayEditor(date, gid, std::move(onClose));
                 });
             slot = teeth;
+        } else if (pageId == kPlanePage) {
+            slot = new development::plane(
+                development::PlaneServices{context_, services_.pictures, *popups_,
+                                           services_.application.shell()},
+                this);
         } else {
             // Sections without their own page yet show what they are and
             // that they are coming.

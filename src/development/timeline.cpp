@@ -272,11 +272,6 @@ std::string Timeline::caption() const {
     return translated(regim_ == planeregim::doctor ? kPlaneDoctorCaption : kPlaneChildCaption);
 }
 
-std::string Timeline::regimMenu() const {
-    return translated(kPlaneChildCaption) + "<td>pm-plane.png<tr>" +
-           translated(kPlaneDoctorCaption) + "<td>pm-doctor.png";
-}
-
 void Timeline::layoutPlane() {
     const auto columns = static_cast<std::size_t>(kPlaneColumns);
     std::vector<std::array<bool, kPlaneLanes>> taken(columns + 1);

@@ -32,6 +32,9 @@ inline constexpr int doctor = 2;
 
 inline constexpr std::string_view kPlaneChildCaption = "Развитие ребенка";
 inline constexpr std::string_view kPlaneDoctorCaption = "К доктору";
+// The menu that switches the regime; the menu translates its captions.
+inline constexpr std::string_view kPlaneRegimMenu =
+    "Развитие ребенка<td>pm-plane.png<tr>К доктору<td>pm-doctor.png";
 
 // Fourteen years, month by month.
 inline constexpr int kPlaneColumns = 168;
@@ -126,8 +129,6 @@ public:
     bool changeRegim(std::string_view caption);
     int regim() const { return regim_; }
     std::string caption() const;
-    // The menu that switches the regime, its captions translated.
-    std::string regimMenu() const;
 
     // Places every event in the first lane free over all its months, or in
     // lane 0 over the others when none is.

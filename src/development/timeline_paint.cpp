@@ -25,38 +25,57 @@ constexpr Color kCurrent{1, 0.87, 0.4, 0.35};
 constexpr Color kCard{1, 1, 1, 0.85};
 constexpr Color kCardLine{0, 0, 0, 0.18};
 
+// Text on the light cards, whatever the backdrop.
+constexpr Color kCardText{0.16, 0.16, 0.16};
+
 constexpr double kBarIcon = 28;
 constexpr double kMarkIcon = 30;
+constexpr double kNarrowIcon = 24;
+// A bar narrower than this puts its picture over its caption.
+constexpr double kNarrowBar = 110;
+// A year's caption is repeated along its band this many months apart, so
+// that one is in view wherever the strip is scrolled.
+constexpr int kYearCaptionEvery = 4;
+
+// The caption centred under a picture at the top of the box, clipped to it.
+void captionUnder(platform::Canvas& canvas, const std::string& text, const Rect& box,
+                  double iconSize, const Color& color) {
+    const Rect caption{box.x, box.y + iconSize + 1, box.width, box.height - iconSize - 1};
+    canvas.save();
+    canvas.clip(caption);
+    canvas.drawText(text, caption, Font{9}, color, TextAlign::Center);
+    canvas.restore();
+}
 
 void paintEvent(platform::Canvas& canvas, const PlaneEvent& event, const Rect& box,
                 const Color& text) {
-    const Font font{10};
     if (event.tp == planetp::mark) {
         canvas.drawImage(event.icon,
                          {box.x + (box.width - kMarkIcon) / 2, box.y, kMarkIcon, kMarkIcon});
-        const Rect caption{box.x - 4, box.y + kMarkIcon + 1, box.width + 8,
-                           box.height - kMarkIcon - 1};
-        canvas.save();
-        canvas.clip(caption);
-        canvas.drawText(event.comment, caption, font, text, TextAlign::Center);
-        canvas.restore();
+        captionUnder(canvas, event.comment, {box.x - 4, box.y, box.width + 8, box.height},
+                     kMarkIcon, text);
         return;
     }
     canvas.fillRoundedRect(box, 8, kCard);
     canvas.strokeRoundedRect(box, 8, kCardLine, 1);
+    if (box.width < kNarrowBar) {
+        canvas.drawImage(event.icon, {box.x + (box.width - kNarrowIcon) / 2, box.y + 3, kNarrowIcon,
+                                      kNarrowIcon});
+        captionUnder(canvas, event.comment, {box.x + 2, box.y + 3, box.width - 4, box.height - 3},
+                     kNarrowIcon, kCardText);
+        return;
+    }
+    const Font font{10};
     const double iconTop = box.y + (box.height - kBarIcon) / 2;
     canvas.drawImage(event.icon, {box.x + 4, iconTop, kBarIcon, kBarIcon});
     const Rect caption{box.x + kBarIcon + 8, box.y + 4, box.width - kBarIcon - 12, box.height - 8};
-    if (caption.width <= 0) {
-        return;
-    }
     const double height = canvas.measureText(event.comment, font, caption.width).height;
     canvas.save();
     canvas.clip(caption);
     canvas.drawText(event.comment,
                     {caption.x, caption.y + std::max(0.0, (caption.height - height) / 2),
                      caption.width, caption.height},
-                    font, text);
+                    font, kCardText);
     canvas.restore();
 }
 
@@ -73,11 +92,16 @@ void paintPlane(platform::Canvas& canvas, const Timeline& timeline, const core::
     // A band under each year, in alternate shades.
     const std::string yearPattern = frame::translate(state, "%d-й год");
     for (int year = (first - 1) / 12 + 1; year <= (last - 1) / 12 + 1; ++year) {
-        const Rect band{timeline.columnX((year - 1) * 12 + 1), 0, 12 * g.wsize, g.bandHeight};
+        const int january = (year - 1) * 12 + 1;
+        const Rect band{timeline.columnX(january), 0, 12 * g.wsize, g.bandHeight};
         canvas.fillRect(band, year % 2 == 1 ? kBandLight : kBandDark);
-        canvas.drawText(core::replaceAll(yearPattern, "%d", std::to_string(year)),
-                        {band.x, band.y + 4, band.width, band.height}, Font{12, FontWeight::Bold},
-                        text, TextAlign::Center);
+        const std::string caption = core::replaceAll(yearPattern, "%d", std::to_string(year));
+        for (int m = january; m < january + 12; m += kYearCaptionEvery) {
+            canvas.drawText(caption,
+                            {timeline.columnX(m) + 6, band.y + 4, kYearCaptionEvery * g.wsize - 12,
+                             band.height},
+                            Font{12, FontWeight::Bold}, text);
+        }
     }
 
     for (int m = first; m <= last; ++m) {
