@@ -52,6 +52,8 @@ PlaneStrip::PlaneStrip(const Timeline& timeline, core::AppState& state,
     : QWidget(parent), timeline_(timeline), state_(state), pictures_(pictures) {
     setObjectName(QStringLiteral("planeStrip"));
     setAttribute(Qt::WA_TranslucentBackground);
+    // A click gives the strip the keys, so Home works on it at once.
+    setFocusPolicy(Qt::ClickFocus);
     relayout();
 }
 
@@ -302,6 +304,14 @@ void plane::openLink() {
         }
         guide_->prepare(qs(link.caption), qs(link.file), link.group);
     }
+}
+
+void plane::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Home) {
+        scrollToCurrent();
+        return;
+    }
+    frame::Tab::keyPressEvent(event);
 }
 
 bool plane::eventFilter(QObject* watched, QEvent* event) {
