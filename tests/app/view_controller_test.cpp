@@ -278,7 +278,7 @@ private slots:
         QTRY_VERIFY(!state().popupShown);
 
         // A section still to come says so.
-        root_->openTab(5, gid);
+        root_->openTab(8, gid);
         QTRY_VERIFY(!root_->isSliding());
         auto* soon = root_->topHolder()->findChild<QLabel*>(QStringLiteral("soon"));
         QCOMPARE(soon->text(), QStringLiteral("Этот раздел скоро появится в программе."));
