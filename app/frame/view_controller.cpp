@@ -23,6 +23,7 @@
 #include "development/growth_page.h"
 #include "development/korm.h"
 #include "development/passport_page.h"
+#include "development/plane_page.h"
 #include "development/play_page.h"
 #include "development/ruler_view.h"
 #include "development/tooth_page.h"
@@ -34,7 +35,6 @@
 #include "diary/reference_lists.h"
 #include "frame/app_lock.h"
 #include "frame/background_screen.h"
-#include "frame/coming_page.h"
 #include "frame/dialog_width.h"
 #include "frame/dic.h"
 #include "frame/look.h"
@@ -66,6 +66,7 @@ constexpr int kToothPage = 6;
 constexpr int kFeedingPage = 7;
 constexpr int kDoctorPage = 8;
 constexpr int kDiaryPage = 9;
+constexpr int kPlanePage = 10;
 // A drag becomes a swipe once it has gone this far, mostly sideways.
 constexpr int kSwipeStart = 12;
 
@@ -117,7 +118,8 @@ bool usesLeftDrags(const QWidget* widget) {
 bool usesDrags(const QWidget* widget) {
     for (const QWidget* w = widget; w != nullptr; w = w->parentWidget()) {
         if (editsText(w) || qobject_cast<const QAbstractSlider*>(w) != nullptr ||
-            qobject_cast<const development::vesslider*>(w) != nullptr) {
+            qobject_cast<const development::vesslider*>(w) != nullptr ||
+            qobject_cast<const development::PlaneStrip*>(w) != nullptr) {
             return true;
         }
         if (w->isWindow()) {
@@ -274,15 +276,12 @@ Tab* ViewController::tab(int pageId) {
                                             dayCloud()},
                 this);
         } else {
-            // Sections without their own page yet show what they are and
-            // that they are coming.
-            QString caption;
-            for (const core::MenuRow& row : state_.menuItems) {
-                if (row.tp == core::menukind::page && row.id == pageId) {
-                    caption = translatedText(state_, row.name);
-                }
-            }
-            slot = new comingPage(pageId, caption, state_, services_.pictures, this);
+            static_assert(kPlanePage + 1 == std::tuple_size_v<decltype(tabs_)>,
+                          "the timeline is the last page");
+            slot = new development::plane(
+                development::PlaneServices{context_, services_.pictures, *popups_,
+                                           services_.application.shell()},
+                this);
         }
         if (pageId < static_cast<int>(kTabNames.size())) {
             slot->setObjectName(QString::fromLatin1(kTabNames[static_cast<std::size_t>(pageId)]));

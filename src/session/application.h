@@ -89,6 +89,8 @@ public:
     const core::Dates& dates() const { return dates_; }
     core::DatabaseStore& database() { return database_; }
     core::Context& context() { return context_; }
+    // Where the screens open links and show alerts.
+    platform::Shell& shell() { return shell_; }
 
 private:
     void fromOldVersion();

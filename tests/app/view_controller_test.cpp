@@ -277,13 +277,6 @@ private slots:
         root_->popups().ppCancel();
         QTRY_VERIFY(!state().popupShown);
 
-        // A section still to come says so.
-        root_->openTab(10, gid);
-        QTRY_VERIFY(!root_->isSliding());
-        auto* soon = root_->topHolder()->findChild<QLabel*>(QStringLiteral("soon"));
-        QCOMPARE(soon->text(), QStringLiteral("Этот раздел скоро появится в программе."));
-        save(root_->grab(), "page_coming.png");
-
         // The diary's row is the last page, and the first follows it.
         root_->openTab(9, gid);
         QCOMPARE(root_->gPage(), state().pageCount);

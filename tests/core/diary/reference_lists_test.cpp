@@ -110,7 +110,7 @@ TEST_F(ReferenceListsTest, OldNumericIdsAndRowsInMemoryAreFound) {
     std::vector<ListRow> all = load(cotype::all);
     const ListRow byOldId = found("7", all);
     EXPECT_EQ(byOldId.index, "00000000-0000-0000-0002-000000000007");
-    EXPECT_EQ(byOldId.cap, "Переворачивается со спины на живот");
+    EXPECT_EQ(byOldId.cap, "Перевернулся со спинки на животик");
     EXPECT_EQ(listByIndex("", all), nullptr);
     EXPECT_EQ(listByIndex("999", all), nullptr);
 
