@@ -1,9 +1,7 @@
 #include "documents/day_analyses.h"
 
-#include <SQLiteCpp/Exception.h>
-#include <SQLiteCpp/Transaction.h>
-
 #include <algorithm>
+#include <exception>
 #include <fstream>
 #include <iterator>
 
@@ -103,13 +101,13 @@ bool addToAnaliz(core::Context& context, std::string_view name, const fs::path& 
     }
     // The old row goes and the new one comes in one step.
     try {
-        SQLite::Transaction transaction(*db);
+        core::WriteTransaction transaction(*db);
         rows.insertValue(kField, newValue, day, gid, true, false);
         if (!rows.result().ok()) {
             return false;
         }
         transaction.commit();
-    } catch (const SQLite::Exception&) {
+    } catch (const std::exception&) {
         return false;
     }
     context.state.markAllPagesDirty();
