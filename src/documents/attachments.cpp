@@ -293,4 +293,21 @@ void Attachments::deleteFiles(const AnalysisItem& item) const {
     }
 }
 
+std::variant<fs::path, Message> Attachments::sendFile(const AnalysisItem& item) const {
+    const auto stored = storedFile(item);
+    std::error_code error;
+    if (!stored || !fs::is_regular_file(*stored, error)) {
+        return Message{std::string(texts::noData), std::string(texts::sendCaption)};
+    }
+    return *stored;
+}
+
+std::optional<std::string> Attachments::doctorMessage(const AnalysisItem& item) const {
+    if (!item.file || !bareName(*item.file)) {
+        return std::nullopt;
+    }
+    const fs::path path = folders_.path(platform::SystemFolder::Document) / "analizy" / *item.file;
+    return item.caption + "<tr>" + path.string();
+}
+
 }  // namespace tilika::documents

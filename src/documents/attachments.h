@@ -48,6 +48,9 @@ inline constexpr std::string_view sendCaption = "Отправка";
 inline constexpr std::string_view noRememberedFile =
     "Перейдите в программу в которой этот файл есть, например в почту (если вы его переслали в "
     "телефон по почте), и откройте его выбрав в списке доступных программ программу 'Тилика'.";
+inline constexpr std::string_view sendMenu =
+    "Отправить доктору<td>pm-doctor.png<tr>Отправить<td>pm-out.png";
+inline constexpr std::string_view sendToDoctor = "Отправить доктору";
 inline constexpr std::string_view addedToDiary =
     "Документ успешно помещен в дневник в раздел анализы.";
 }  // namespace texts
@@ -107,6 +110,13 @@ public:
     std::optional<Message> attachPdf(AnalysisItem& item, const std::filesystem::path& source) const;
     // Removes the item's files.
     void deleteFiles(const AnalysisItem& item) const;
+
+    // The file to share, or the message that there is none to send.
+    std::variant<std::filesystem::path, Message> sendFile(const AnalysisItem& item) const;
+    // What the doctor chat receives: the caption and the file's path, which
+    // is always taken in analizy, whichever list the item is in. Nothing
+    // for an item without a file.
+    std::optional<std::string> doctorMessage(const AnalysisItem& item) const;
 
 private:
     bool writable() const;

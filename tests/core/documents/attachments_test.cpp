@@ -212,6 +212,11 @@ TEST_F(DocumentFilesTest, PictureBecomesAOnePageDocument) {
     EXPECT_EQ(pages[0].height, 1657);
     EXPECT_NE(pages[0].content.find("1200 0 0 600 0 528.5 cm"), std::string::npos);
     EXPECT_EQ(titleOf(path), "Свидетельство о рождении");
+
+    EXPECT_EQ(std::get<fs::path>(files.sendFile(item)), path);
+    // The chat takes the path in analizy even for a profile's document.
+    EXPECT_EQ(files.doctorMessage(item), "Свидетельство о рождении<tr>" +
+                                             (documents() / "analizy" / "d-child1-2.pdf").string());
 }
 
 TEST_F(DocumentFilesTest, BadFilesFromOutsideChangeNothing) {
@@ -278,7 +283,12 @@ TEST_F(DocumentFilesTest, HostileNamesNeverLeadOutOfTheScanFolders) {
     fs::create_symlink(library / "x", documents() / "analizy" / "a-link-1.pdf");
     EXPECT_EQ(files.storedFile({itemtp::pdf, "g", "x", "a-link-1.pdf", 1}), std::nullopt);
 
-    files.deleteFiles({itemtp::pdf, "g", "x", "../../Library/x", 1});
+    const AnalysisItem hostile{itemtp::pdf, "g", "x", "../../Library/x", 1};
+    const auto sent = files.sendFile(hostile);
+    ASSERT_TRUE(std::holds_alternative<Message>(sent));
+    EXPECT_EQ(std::get<Message>(sent), (Message{"Нет данных для отправки", "Отправка"}));
+    EXPECT_EQ(files.doctorMessage(hostile), std::nullopt);
+    files.deleteFiles(hostile);
     Attachments crooked{folders, codec, pdf, "d-../../Library", kDocumentsConst};
     AnalysisItem item{itemtp::image, "g", "x", std::nullopt, 1};
     EXPECT_TRUE(crooked.setImage(item, test::FakeImageCodec::blank(10, 10)));
