@@ -12,6 +12,7 @@
 #include "core/dates.h"
 #include "core/files.h"
 #include "development/feeding.h"
+#include "diary/catalogue.h"
 #include "diary/diary_store.h"
 #include "diary/profiles.h"
 #include "medication/courses.h"
@@ -26,8 +27,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// The entry type of a diary row whose value lists analysis scans.
-constexpr int kAnalysisType = 26;
 // The page of the doctor's visit plan, whose marks a marks record may change.
 constexpr int kVisitPage = 8;
 // What a record's own keys and lists take beside its files, so that the
@@ -85,7 +84,8 @@ public:
             return;
         }
         if (total_ + bytes->size() + kRecordHeadroom > limits_.recordBytes) {
-            platform::log("Файл " + file.string() + " не отправлен: запись стала бы слишком большой");
+            platform::log("Файл " + file.string() +
+                          " не отправлен: запись стала бы слишком большой");
             return;
         }
         total_ += bytes->size();
@@ -192,7 +192,7 @@ std::optional<CloudRecord> Records::buildRecord(int kind, std::optional<core::Da
     files.add("photo", documentFolder(context_, "picture") / (stem + ".jpg"), stem + "-s.jpg");
     for (const diary::CatalogueRow& row : note) {
         rows.push_back({row.tp, row.field, row.source});
-        if (row.tp == kAnalysisType) {
+        if (row.tp == diary::tp::analyses) {
             for (const std::string& file : filesOf(row.source)) {
                 files.add("analiz", documentFolder(context_, "analizy") / file);
             }
@@ -375,7 +375,8 @@ bool Records::apply(const CloudRecord& record, std::string_view name) {
             const platform::Image small = images_.scaled(*picture, size.width, size.height);
             const std::vector<std::uint8_t> jpeg =
                 small.empty() ? std::vector<std::uint8_t>{} : images_.encodeJpeg(small, 1.0);
-            if (!jpeg.empty() && !stage(documentFolder(context_, "picture-s") / *image.names, jpeg)) {
+            if (!jpeg.empty() &&
+                !stage(documentFolder(context_, "picture-s") / *image.names, jpeg)) {
                 removeStaged(staged);
                 return failed("файл " + *image.names + " не записан");
             }
@@ -390,7 +391,8 @@ bool Records::apply(const CloudRecord& record, std::string_view name) {
         const fs::path path = profiles.portraitPath(record.gid);
         std::error_code error;
         if (!path.empty() && fs::exists(fs::symlink_status(path, error))) {
-            fs::path aside = path.parent_path() / ("." + path.filename().string() + ".tilika-removed");
+            fs::path aside =
+                path.parent_path() / ("." + path.filename().string() + ".tilika-removed");
             fs::rename(path, aside, error);
             if (error) {
                 removeStaged(staged);
@@ -436,7 +438,8 @@ bool Records::apply(const CloudRecord& record, std::string_view name) {
             for (const FeedingRow& row : *record.kormdata) {
                 rows.push_back({row.kodates, row.kotype, row.kovalue, row.kosum});
             }
-            core::throwIfFailed(development::Feeding(context_).saveKormForDate(*day, record.gid, rows));
+            core::throwIfFailed(
+                development::Feeding(context_).saveKormForDate(*day, record.gid, rows));
             core::throwIfFailed(store.lists().correctConstList(list));
         }
         transaction.commit();
