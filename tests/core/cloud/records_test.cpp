@@ -498,5 +498,74 @@ TEST(CloudRecordsTest, AnApplyThatFailsHalfwayLeavesEverythingAsItWas) {
     EXPECT_EQ(b.files(), before);
 }
 
+TEST(CloudRecordsTest, ARewriteSendsEveryProfileDayAndFeedingDay) {
+    Device a;
+    a.addChild(kGid, "Маша");
+    std::vector<diary::ListRow> list;
+    std::vector<diary::CatalogueRow> rows = a.rows("2026-11-20", kGid, list);
+    a.setRow(rows, "note", "заметка");
+    ASSERT_TRUE(a.store.saveNoteData(1, rows, list, kGid, a.day("2026-11-20")));
+    a.db().exec(
+        "insert into childkorm (kodates, kotype, kovalue, kosum, childguid) values "
+        "('2026-11-21 08:00:00', 3, '[]', 120, '" +
+        kGid + "')");
+    const fs::path pictures = a.documents("picture");
+    for (const std::string& name :
+         {kGid + "-18-11-2026.jpg", "child-" + kGid + ".jpg", std::string("tmp.jpg"),
+          std::string("scan.png"), std::string("x-99-99-9999.jpg"), std::string("short.jpg")}) {
+        writeText(pictures / name, "PIC 10x10");
+    }
+
+    std::vector<std::pair<int, std::string>> steps;
+    const std::vector<std::string> keep = a.records.dataToCloudAll(
+        [&](int percent, const std::string& message) { steps.emplace_back(percent, message); });
+    for (const std::string& name :
+         {"CLOUD-1-" + kGid + ".dat", "CLOUD-2-" + kGid + "-20-11-2026.dat",
+          "CLOUD-2-" + kGid + "-18-11-2026.dat", "CLOUD-4-" + kGid + "-21-11-2026.dat"}) {
+        EXPECT_NE(std::find(keep.begin(), keep.end(), name), keep.end()) << name;
+        EXPECT_TRUE(fs::exists(a.cloud(name))) << name;
+    }
+    EXPECT_EQ(keep.size(), 5u);  // and the profile of the first start
+    // Only photos stay in the picture folder.
+    EXPECT_FALSE(fs::exists(pictures / "tmp.jpg"));
+    EXPECT_FALSE(fs::exists(pictures / "scan.png"));
+    EXPECT_TRUE(fs::exists(pictures / ("child-" + kGid + ".jpg")));
+    EXPECT_TRUE(fs::exists(pictures / "short.jpg"));
+
+    ASSERT_FALSE(steps.empty());
+    EXPECT_EQ(steps.front(), (std::pair<int, std::string>{0, "Идет копирование данных профилей"}));
+    EXPECT_EQ(steps.back(),
+              (std::pair<int, std::string>{95, "Идет копирование данных пищевого дневника"}));
+    // The feeding days count their own way from 15 again.
+    EXPECT_NE(std::find(steps.begin(), steps.end(),
+                        std::pair<int, std::string>{95, "Идет копирование данных дневника"}),
+              steps.end());
+}
+
+TEST(CloudRecordsTest, FilesOfTheFormerLayoutComeInPlace) {
+    Device a;
+    Device b;
+    a.addChild(kGid, "Маша");
+    a.database.disconnectFromBase();
+    fs::copy_file(a.database.path(), b.cloud("child.sqlite"));
+    writeText(b.cloud("child5.jpg"), "портрет");
+    writeText(b.cloud("broken.sqlite"), "не база");
+
+    int upgrades = 0;
+    const auto upgrade = [&] { ++upgrades; };
+    EXPECT_FALSE(b.records.dataFromCloudOld(b.cloud("broken.sqlite"), "broken.sqlite", upgrade));
+    EXPECT_EQ(b.query("select count(*) from child where childguid='" + kGid + "'"), "0\n");
+    EXPECT_TRUE(b.records.dataFromCloudOld(b.cloud("child.sqlite"), "child.sqlite", upgrade));
+    EXPECT_EQ(upgrades, 1);
+    EXPECT_EQ(b.query("select chname from child where childguid='" + kGid + "'"), "Маша\n");
+    EXPECT_TRUE(fs::exists(b.cloud("child.sqlite")));
+
+    EXPECT_TRUE(b.records.dataFromCloudOld(b.cloud("child5.jpg"), "child5.jpg", upgrade));
+    EXPECT_EQ(readText(b.documents("picture") /
+                       ("child-" + core::newID2(core::idkind::profile, 5) + ".jpg")),
+              "портрет");
+    EXPECT_FALSE(b.records.dataFromCloudOld(b.cloud("nothing.jpg"), "nothing.jpg", upgrade));
+}
+
 }  // namespace
 }  // namespace tilika::cloud
