@@ -1,7 +1,5 @@
 #include "cloud/records.h"
 
-#include <nlohmann/json.hpp>
-
 #include <algorithm>
 #include <sys/stat.h>
 
@@ -15,6 +13,7 @@
 #include "diary/catalogue.h"
 #include "diary/diary_store.h"
 #include "diary/profiles.h"
+#include "diary/value_codecs.h"
 #include "medication/courses.h"
 #include "platform/folders.h"
 #include "platform/image_codec.h"
@@ -41,22 +40,15 @@ fs::path documentFolder(const core::Context& context, std::string_view sub) {
 // in a folder; text that isn't such an array has none.
 std::vector<std::string> filesOf(const std::string& text) {
     std::vector<std::string> files;
-    const nlohmann::json array = nlohmann::json::parse(text, nullptr, false);
-    if (!array.is_array()) {
+    if (!diary::jsonIs(text)) {
         return files;
     }
-    for (const nlohmann::json& element : array) {
-        if (!element.is_object()) {
-            continue;
-        }
-        const auto file = element.find("file");
-        if (file != element.end() && file->is_string()) {
-            const std::string name = file->get<std::string>();
-            // A stored value may have come from another device: only a file
-            // of the folder itself is ever sent.
-            if (core::isPlainFileName(name)) {
-                files.push_back(name);
-            }
+    for (const auto& element : diary::jsonToArray(text)) {
+        const std::string name = diary::jsonText(element, "file");
+        // A stored value may have come from another device: only a file of
+        // the folder itself is ever sent.
+        if (core::isPlainFileName(name)) {
+            files.push_back(name);
         }
     }
     return files;
@@ -453,8 +445,9 @@ bool Records::apply(const CloudRecord& record, std::string_view name) {
         std::error_code error;
         fs::remove(portrait->temp, error);
     }
+    // The renames themselves aren't flushed: lost in a crash, they leave the
+    // files as they were, and the record is applied again.
     bool placed = true;
-    std::vector<fs::path> folders;
     for (const StagedFile& file : staged) {
         std::error_code error;
         if (placed) {
@@ -464,14 +457,7 @@ bool Records::apply(const CloudRecord& record, std::string_view name) {
             // Left as it is, the next report of the record brings it again.
             placed = false;
             fs::remove(file.temp, error);
-            continue;
         }
-        if (std::find(folders.begin(), folders.end(), file.target.parent_path()) == folders.end()) {
-            folders.push_back(file.target.parent_path());
-        }
-    }
-    for (const fs::path& folder : folders) {
-        syncFolder(folder);
     }
 
     core::AppState& state = context_.state;
