@@ -93,6 +93,19 @@ private:
     std::size_t total_ = 0;
 };
 
+// The record in a file; nothing, and the reason logged, when there is none.
+std::optional<CloudRecord> loadRecord(const fs::path& path, const Limits& limits) {
+    const std::optional<std::vector<std::uint8_t>> bytes = readRecordFile(path, limits);
+    if (!bytes) {
+        return std::nullopt;
+    }
+    Decoded decoded = decodeRecord(*bytes, limits);
+    if (!decoded.record) {
+        platform::log("Запись облака " + path.string() + " не прочитана: " + decoded.error);
+    }
+    return std::move(decoded.record);
+}
+
 struct StagedFile {
     fs::path temp;
     fs::path target;
@@ -262,16 +275,11 @@ std::optional<std::string> Records::keyValueToCloud(int check, std::string_view 
     std::error_code error;
     if (fs::exists(fs::symlink_status(file, error))) {
         // Writing over a file we couldn't read would lose every other mark.
-        const std::optional<std::vector<std::uint8_t>> bytes = readRecordFile(file, limits_);
-        if (!bytes) {
+        std::optional<CloudRecord> own = loadRecord(file, limits_);
+        if (!own) {
             return std::nullopt;
         }
-        Decoded decoded = decodeRecord(*bytes, limits_);
-        if (!decoded.record) {
-            platform::log("Запись облака " + file.string() + " не прочитана: " + decoded.error);
-            return std::nullopt;
-        }
-        marks = decoded.record->marks.value_or(std::map<std::string, MarkEntry>{});
+        marks = std::move(own->marks).value_or(std::map<std::string, MarkEntry>{});
     }
     MarkEntry entry = value.value_or(MarkEntry{});
     entry.state = check == 1;
@@ -298,16 +306,8 @@ bool Records::dataFromCloud(const fs::path& path, std::string_view name,
     if (name.substr(0, 7) == "CLOUD-3") {
         return keyValueFromCloud(path, indate);
     }
-    const std::optional<std::vector<std::uint8_t>> bytes = readRecordFile(path, limits_);
-    if (!bytes) {
-        return false;
-    }
-    const Decoded decoded = decodeRecord(*bytes, limits_);
-    if (!decoded.record) {
-        platform::log("Запись облака " + path.string() + " не применена: " + decoded.error);
-        return false;
-    }
-    return apply(*decoded.record, name);
+    const std::optional<CloudRecord> record = loadRecord(path, limits_);
+    return record && apply(*record, name);
 }
 
 bool Records::apply(const CloudRecord& record, std::string_view name) {
@@ -474,16 +474,11 @@ bool Records::apply(const CloudRecord& record, std::string_view name) {
 }
 
 bool Records::keyValueFromCloud(const fs::path& path, std::optional<core::Date> date) {
-    const std::optional<std::vector<std::uint8_t>> bytes = readRecordFile(path, limits_);
-    if (!bytes) {
+    const std::optional<CloudRecord> loaded = loadRecord(path, limits_);
+    if (!loaded) {
         return false;
     }
-    const Decoded decoded = decodeRecord(*bytes, limits_);
-    if (!decoded.record) {
-        platform::log("Запись облака " + path.string() + " не применена: " + decoded.error);
-        return false;
-    }
-    const CloudRecord& record = *decoded.record;
+    const CloudRecord& record = *loaded;
     if (!record.marks) {
         return true;
     }
