@@ -18,6 +18,7 @@
 #include "medication/courses.h"
 #include "platform/clock.h"
 #include "platform/folders.h"
+#include "support/core_fixture.h"
 #include "support/fake_image_codec.h"
 #include "support/temp_dir.h"
 
@@ -62,29 +63,25 @@ void writeText(const fs::path& file, const std::string& text) {
 
 // One device: its own data folder, database, settings and records, with
 // the diary synchronised through the cloud folder.
-struct Device {
-    test::TempDir dir;
-    platform::DataFolders folders{dir.path(), test::resourceDir()};
-    core::JsonSettingsStore settings{dir.path() / "Library" / "settings.json"};
-    platform::ManualClock clock{core::Date{}, "Europe/Moscow"};
-    core::Dates dates{clock};
-    core::DatabaseStore database{folders, dates};
-    core::AppState state;
-    core::Context context{clock, settings, folders, dates, database, state};
-    const medication::CourseReconciler courses{dates};
+struct Device final : test::CoreFixture {
+    void TestBody() override {}
+    using CoreFixture::context;
+    using CoreFixture::database;
+    using CoreFixture::db;
+    using CoreFixture::dir;
+    using CoreFixture::folders;
+    using CoreFixture::settings;
+    using CoreFixture::state;
+
     diary::DiaryStore store{context, courses};
     BoxCodec codec;
     Records records{context, codec};
 
     Device() {
-        folders.createLayout();
-        clock.set(*dates.dateFromString("2026-11-22 10:00"));
-        database.fromOldVersionNewRestore();
         state.cloudMode = core::cloudmode::icloud;
         state.appguid = core::newID();
     }
 
-    SQLite::Database& db() { return *database.connectToBase(); }
     std::string query(const std::string& sql) {
         SQLite::Statement statement(db(), sql);
         std::string rows;
@@ -130,6 +127,18 @@ struct Device {
         }
         ADD_FAILURE() << "no row " << field;
     }
+    // Saves a day with these values as the day editor does; the rows saved.
+    std::vector<diary::CatalogueRow> saveDay(
+        const char* date, const std::string& gid,
+        const std::vector<std::pair<std::string_view, std::string>>& values) {
+        std::vector<diary::ListRow> list;
+        std::vector<diary::CatalogueRow> saved = rows(date, gid, list);
+        for (const auto& [field, value] : values) {
+            setRow(saved, field, value);
+        }
+        EXPECT_TRUE(store.saveNoteData(1, saved, list, gid, day(date)));
+        return saved;
+    }
     bool apply(const std::string& name, std::optional<core::Date> indate = std::nullopt) {
         return records.dataFromCloud(cloud(name), name, indate);
     }
@@ -173,13 +182,11 @@ TEST(CloudRecordsTest, AProfileAndADayTravelWholeFromOneFolderToAnother) {
     writeText(a.documents("analizy") / "scan.pdf", "%PDF скан");
     writeText(a.documents("picture") / (kGid + "-20-11-2026.jpg"), "PIC 400x300");
     writeText(a.documents("picture") / ("child-" + kGid + ".jpg"), "PIC 90x90");
-    std::vector<diary::ListRow> list;
-    std::vector<diary::CatalogueRow> rows = a.rows("2026-11-20", kGid, list);
-    a.setRow(rows, "pills", weekCourse());
-    a.setRow(rows, "note", "заметка");
-    a.setRow(rows, "analizy",
-             R"([{"file":"scan.pdf"},{"file":"../../etc/passwd"},{"file":"нет.pdf"}])");
-    ASSERT_TRUE(a.store.saveNoteData(1, rows, list, kGid, a.day("2026-11-20")));
+    a.saveDay(
+        "2026-11-20", kGid,
+        {{"pills", weekCourse()},
+         {"note", "заметка"},
+         {"analizy", R"([{"file":"scan.pdf"},{"file":"../../etc/passwd"},{"file":"нет.pdf"}])"}});
 
     // In any other mode a save leaves nothing in the folder.
     a.state.cloudMode = core::cloudmode::off;
@@ -233,10 +240,10 @@ json setupOf(const std::string& name, bool active = true) {
 TEST(CloudRecordsTest, ADayIsReplacedWholeAndOnlyNewListItemsAreAdded) {
     Device b;
     b.addChild(kGid, "Маша");
+    const std::vector<diary::CatalogueRow> rows =
+        b.saveDay("2026-11-20", kGid, {{"note", "старая заметка"}});
     std::vector<diary::ListRow> list;
-    std::vector<diary::CatalogueRow> rows = b.rows("2026-11-20", kGid, list);
-    b.setRow(rows, "note", "старая заметка");
-    ASSERT_TRUE(b.store.saveNoteData(1, rows, list, kGid, b.day("2026-11-20")));
+    b.store.lists().loadConstList(list, diary::cotype::all, "");
     const diary::ListRow& known = list.front();
 
     json data = json::array();
@@ -461,10 +468,7 @@ TEST(CloudRecordsTest, AHostileRecordChangesNothing) {
 TEST(CloudRecordsTest, AnApplyThatFailsHalfwayLeavesEverythingAsItWas) {
     Device b;
     b.addChild(kGid, "Маша");
-    std::vector<diary::ListRow> list;
-    std::vector<diary::CatalogueRow> rows = b.rows("2026-11-20", kGid, list);
-    b.setRow(rows, "note", "старая заметка");
-    ASSERT_TRUE(b.store.saveNoteData(1, rows, list, kGid, b.day("2026-11-20")));
+    b.saveDay("2026-11-20", kGid, {{"note", "старая заметка"}});
     writeText(b.documents("picture") / ("child-" + kGid + ".jpg"), "портрет");
     const std::set<std::string> before = b.files();
 
@@ -501,10 +505,7 @@ TEST(CloudRecordsTest, AnApplyThatFailsHalfwayLeavesEverythingAsItWas) {
 TEST(CloudRecordsTest, ARewriteSendsEveryProfileDayAndFeedingDay) {
     Device a;
     a.addChild(kGid, "Маша");
-    std::vector<diary::ListRow> list;
-    std::vector<diary::CatalogueRow> rows = a.rows("2026-11-20", kGid, list);
-    a.setRow(rows, "note", "заметка");
-    ASSERT_TRUE(a.store.saveNoteData(1, rows, list, kGid, a.day("2026-11-20")));
+    a.saveDay("2026-11-20", kGid, {{"note", "заметка"}});
     a.db().exec(
         "insert into childkorm (kodates, kotype, kovalue, kosum, childguid) values "
         "('2026-11-21 08:00:00', 3, '[]', 120, '" +
