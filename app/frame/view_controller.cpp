@@ -17,6 +17,7 @@
 #include <QTimer>
 #include <QVariantAnimation>
 
+#include "cloud/records.h"
 #include "core/context.h"
 #include "development/baby_page.h"
 #include "development/doctor_page.h"

@@ -27,9 +27,11 @@ struct AppState;
 struct Context;
 struct MenuRow;
 }  // namespace tilika::core
+namespace tilika::cloud {
+class Records;
+}  // namespace tilika::cloud
 namespace tilika::diary {
 class DayCloud;
-class NoCloud;
 class ReferenceLists;
 class SystemPhotoSource;
 class noteEdit;
@@ -216,7 +218,8 @@ private:
 
     // Where changes go to be mirrored in the cloud folder.
     diary::DayCloud& dayCloud();
-    std::unique_ptr<diary::NoCloud> cloud_;
+    std::unique_ptr<cloud::Records> records_;
+    std::unique_ptr<diary::DayCloud> cloud_;
     std::unique_ptr<diary::SystemPhotoSource> photos_;
     QPointer<diary::noteEdit> dayEditor_;
     QPointer<dic> setupForm_;

@@ -4,6 +4,7 @@
 #include <QFrame>
 #include <QTimer>
 
+#include "cloud/records.h"
 #include "core/context.h"
 #include "core/ids.h"
 #include "core/settings_keys.h"
@@ -197,7 +198,8 @@ void ViewController::changeBackground(long long id) {
 
 diary::DayCloud& ViewController::dayCloud() {
     if (cloud_ == nullptr) {
-        cloud_ = std::make_unique<diary::NoCloud>();
+        records_ = std::make_unique<cloud::Records>(context_, services_.images);
+        cloud_ = std::make_unique<cloud::RecordsCloud>(*records_);
     }
     return *cloud_;
 }

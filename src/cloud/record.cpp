@@ -580,16 +580,14 @@ std::optional<std::vector<std::uint8_t>> readRecordFile(const fs::path& file,
     return bytes;
 }
 
-bool writeRecordFile(const fs::path& file, std::span<const std::uint8_t> bytes, bool sync) {
+std::optional<fs::path> writeTempFile(const fs::path& file, std::span<const std::uint8_t> bytes,
+                                      bool sync) {
     const fs::path folder = file.has_parent_path() ? file.parent_path() : fs::path(".");
     std::string temp = (folder / ("." + file.filename().string() + ".tilika-XXXXXX")).string();
-    const auto failed = [&](const std::string& why) {
-        platform::log("Запись облака " + file.string() + " не записана: " + why);
-        return false;
-    };
     const int fd = ::mkstemp(temp.data());
     if (fd < 0) {
-        return failed(errnoText());
+        platform::log("Файл " + file.string() + " не записан: " + errnoText());
+        return std::nullopt;
     }
     std::string why;
     std::size_t done = 0;
@@ -613,20 +611,35 @@ bool writeRecordFile(const fs::path& file, std::span<const std::uint8_t> bytes, 
     if (::close(fd) != 0 && why.empty()) {
         why = errnoText();
     }
-    if (why.empty() && ::rename(temp.c_str(), file.c_str()) != 0) {
-        why = errnoText();
-    }
     if (!why.empty()) {
         ::unlink(temp.c_str());
-        return failed(why);
+        platform::log("Файл " + file.string() + " не записан: " + why);
+        return std::nullopt;
+    }
+    return fs::path(temp);
+}
+
+void syncFolder(const fs::path& folder) {
+    const int dir = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (dir >= 0) {
+        ::fsync(dir);
+        ::close(dir);
+    }
+}
+
+bool writeRecordFile(const fs::path& file, std::span<const std::uint8_t> bytes, bool sync) {
+    const std::optional<fs::path> temp = writeTempFile(file, bytes, sync);
+    if (!temp) {
+        return false;
+    }
+    if (::rename(temp->c_str(), file.c_str()) != 0) {
+        platform::log("Запись облака " + file.string() + " не записана: " + errnoText());
+        ::unlink(temp->c_str());
+        return false;
     }
     if (sync) {
         // The rename itself lasts only once the folder is on disk.
-        const int dir = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-        if (dir >= 0) {
-            ::fsync(dir);
-            ::close(dir);
-        }
+        syncFolder(file.has_parent_path() ? file.parent_path() : fs::path("."));
     }
     return true;
 }

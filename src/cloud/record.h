@@ -140,6 +140,16 @@ Decoded decodeRecord(std::span<const std::uint8_t> bytes, const Limits& limits =
 std::optional<std::vector<std::uint8_t>> readRecordFile(const std::filesystem::path& file,
                                                         const Limits& limits = {});
 
+// Writes the bytes under a dot-prefixed temporary name beside `file`
+// (".<name>.tilika-XXXXXX", which a scan of the folder passes over) and gives
+// that name, for the caller to rename into place once everything that goes
+// with it has landed. Nothing, and the reason logged, when it can't.
+std::optional<std::filesystem::path> writeTempFile(const std::filesystem::path& file,
+                                                   std::span<const std::uint8_t> bytes,
+                                                   bool sync = true);
+// Makes the renames in a folder last.
+void syncFolder(const std::filesystem::path& folder);
+
 // Writes under a dot-prefixed temporary name in the same folder, then renames
 // it into place: another machine or a sync tool never sees half a record, and
 // a link planted under the name is replaced rather than written through.

@@ -3,6 +3,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QDir>
+#include <QFile>
 #include <QFrame>
 #include <QLabel>
 #include <QLineEdit>
@@ -201,6 +202,39 @@ private slots:
         frame::menu::ChildBlockView* masha = blockNamed(QStringLiteral("Маша"));
         QVERIFY(masha != nullptr);
         QCOMPARE(state().activeGid, std::optional(masha->guid()));
+    }
+
+    void aSavedProfileGoesToTheCloudFolderOnlyWhenSynchronised() {
+        const auto addChildInForm = [&](const QString& childName) {
+            menu()->mainRow(31)->click();
+            frame::dic* form = root_->setupForm();
+            QVERIFY(form != nullptr && form->isOpen());
+            widgetWithTag<QLineEdit>(form, static_cast<int>(form->posByField("name")))
+                ->setText(childName);
+            form->closeOk();
+            QVERIFY(blockNamed(childName) != nullptr);
+        };
+        const auto settingsText = [&] {
+            QFile file(dir_->path() + QStringLiteral("/Library/settings.json"));
+            return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+        };
+        launchPastWelcome();
+        context().settings.setInt(core::keys::icloud, core::cloudmode::icloud);
+        QVERIFY(context().settings.synchronize());
+        relaunch();
+        addChildInForm(QStringLiteral("Маша"));
+        const QString masha =
+            QStringLiteral("CLOUD-1-%1.dat")
+                .arg(QString::fromStdString(blockNamed(QStringLiteral("Маша"))->guid()));
+        QVERIFY(QFile::exists(dir_->path() + QStringLiteral("/Cloud/") + masha));
+        QVERIFY(settingsText().contains(masha));
+
+        context().settings.setInt(core::keys::icloud, core::cloudmode::off);
+        QVERIFY(context().settings.synchronize());
+        relaunch();
+        addChildInForm(QStringLiteral("Петя"));
+        QCOMPARE(QDir(dir_->path() + QStringLiteral("/Cloud")).entryList(QDir::Files),
+                 QStringList{masha});
     }
 
     void settingSwitchesKeepTheirKeys() {
