@@ -38,7 +38,7 @@ QString qs(std::string_view text) {
 doctor::doctor(DoctorServices services, QWidget* parent)
     : frame::Tab(kPageId, parent),
       services_(std::move(services)),
-      plan_(services_.context, checkCloud_, services_.cloud) {
+      plan_(services_.context, services_.checkCloud, services_.cloud) {
     setAutoFillBackground(true);
     const core::AppState& state = services_.context.state;
 

@@ -41,6 +41,7 @@ struct DoctorServices {
     frame::Popups& popups;
     diary::ReferenceLists* lists = nullptr;
     diary::DayCloud& cloud;
+    CheckCloud& checkCloud;
 };
 
 // The page of doctor visits and vaccinations: the plan by month of life
@@ -83,7 +84,6 @@ private:
     void showMarks();
 
     DoctorServices services_;
-    NoCheckCloud checkCloud_;
     DoctorPlan plan_;
     AppendSource append_;
     std::string gid_;

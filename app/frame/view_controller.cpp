@@ -274,7 +274,7 @@ Tab* ViewController::tab(int pageId) {
         } else if (pageId == kDoctorPage) {
             slot = new development::doctor(
                 development::DoctorServices{context_, services_.pictures, *popups_, lists_.get(),
-                                            dayCloud()},
+                                            dayCloud(), checkCloud()},
                 this);
         } else {
             static_assert(kPlanePage + 1 == std::tuple_size_v<decltype(tabs_)>,

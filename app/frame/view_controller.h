@@ -29,7 +29,11 @@ struct MenuRow;
 }  // namespace tilika::core
 namespace tilika::cloud {
 class Records;
+class RecordsCloud;
 }  // namespace tilika::cloud
+namespace tilika::development {
+class CheckCloud;
+}  // namespace tilika::development
 namespace tilika::diary {
 class DayCloud;
 class ReferenceLists;
@@ -218,8 +222,10 @@ private:
 
     // Where changes go to be mirrored in the cloud folder.
     diary::DayCloud& dayCloud();
+    development::CheckCloud& checkCloud();
+    cloud::RecordsCloud& recordsCloud();
     std::unique_ptr<cloud::Records> records_;
-    std::unique_ptr<diary::DayCloud> cloud_;
+    std::unique_ptr<cloud::RecordsCloud> cloud_;
     std::unique_ptr<diary::SystemPhotoSource> photos_;
     QPointer<diary::noteEdit> dayEditor_;
     QPointer<dic> setupForm_;

@@ -196,12 +196,20 @@ void ViewController::changeBackground(long long id) {
     saved(result, background_ != nullptr ? static_cast<QWidget*>(background_) : this);
 }
 
-diary::DayCloud& ViewController::dayCloud() {
+cloud::RecordsCloud& ViewController::recordsCloud() {
     if (cloud_ == nullptr) {
         records_ = std::make_unique<cloud::Records>(context_, services_.images);
         cloud_ = std::make_unique<cloud::RecordsCloud>(*records_);
     }
     return *cloud_;
+}
+
+diary::DayCloud& ViewController::dayCloud() {
+    return recordsCloud();
+}
+
+development::CheckCloud& ViewController::checkCloud() {
+    return recordsCloud();
 }
 
 diary::noteEdit* ViewController::dayEditor() const {

@@ -9,6 +9,7 @@
 
 #include "cloud/record.h"
 #include "core/date.h"
+#include "development/doctor_plan.h"
 #include "diary/day_cloud.h"
 
 namespace tilika::core {
@@ -114,12 +115,19 @@ private:
 };
 
 // The cloud as the screens know it: a save that landed hands its day or
-// profile over, and the records decide whether anything goes out.
-class RecordsCloud final : public diary::DayCloud {
+// profile over, a tick its mark, and the records decide whether anything
+// goes out.
+class RecordsCloud final : public diary::DayCloud, public development::CheckCloud {
 public:
     explicit RecordsCloud(Records& records) : records_(records) {}
     void dataToCloud(int kind, core::Date date, std::string_view gid) override {
         records_.saved(kind, date, gid);
+    }
+    void keyValueToCloud(int seltypeid, std::string_view tagguid, bool check,
+                         std::string_view gid) override {
+        MarkEntry mark;
+        mark.seltypeid = seltypeid;
+        records_.keyValueToCloud(check ? 1 : 0, tagguid, mark, gid);
     }
 
 private:

@@ -7,6 +7,8 @@
 
 #include <algorithm>
 
+#include "cloud/names.h"
+#include "cloud/record.h"
 #include "core/ids.h"
 #include "development/doctor_page.h"
 #include "development/plane_table.h"
@@ -77,6 +79,28 @@ private slots:
         // The whole card, as one picture, rather than the corner a phone
         // shows of it.
         save(table->scrollArea()->widget()->grab(), "vaccination_card.png");
+    }
+
+    void aTickGoesToThisDevicesMarksWhenTheDiaryIsSynchronised() {
+        launchPastWelcome();
+        const std::string gid = addChild(QStringLiteral("Аня"), "2026-07-10");
+        context().state.cloudMode = core::cloudmode::icloud;
+        doctor* page = open(gid);
+        frame::textdata* text = page->text();
+        QTRY_VERIFY(text->page().highlight().has_value());
+        tapBox(text, 10);
+        QTRY_VERIFY(page->noteForm() != nullptr);
+        page->noteForm()->closeForm();
+
+        const auto bytes =
+            cloud::readRecordFile(context().folders.path(platform::SystemFolder::Cloud) /
+                                  cloud::marksRecordName(gid, context().state.appguid));
+        QVERIFY(bytes.has_value());
+        const cloud::Decoded decoded = cloud::decodeRecord(*bytes);
+        QVERIFY(decoded.record.has_value() && decoded.record->marks.has_value());
+        const cloud::MarkEntry& entry = decoded.record->marks->at(mark(10));
+        QVERIFY(entry.state);
+        QCOMPARE(entry.seltypeid, std::optional<int>(1));
     }
 
     void aLineLeadsToItsHelpAndTicksThereAreThePlans() {
